@@ -11,6 +11,7 @@
 #include "debugui/debug_run.h"
 #include "documents/document_row.h"
 #include "documents/file_form.h"
+#include "editor/caret_set.h"
 #include "language/lexer_table.h"
 #include "output/output_state.h"
 #include "project/project.h"
@@ -20,6 +21,7 @@
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
 #include "ui/panes.h"
+#include "ui/progress.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
@@ -44,8 +46,10 @@ std::uint32_t TabConditions() {
 
 std::uint32_t EditorConditions() {
     const DocumentTab& tab = TabAt(g_documents.activeTab);
-    return kHasTab | BitIf(SciSend(tab.editor, SCI_GETSELECTIONEMPTY) == 0, kHasSelection) | TabConditions() |
-           BitIf(tab.hasFile, kHasFile) | BitIf(LexerFromExtension(tab.path) == Language::Basic, kBasicSource);
+    const bool selects = SciSend(tab.editor, SCI_GETSELECTIONEMPTY) == 0;
+    return kHasTab | BitIf(selects, kHasSelection) | BitIf(selects || CaretsAreColumns(tab.editor), kHasCorners) |
+           TabConditions() | BitIf(tab.hasFile, kHasFile) |
+           BitIf(LexerFromExtension(tab.path) == Language::Basic, kBasicSource);
 }
 
 // Of the Edit commands, when they go to the editor.
@@ -71,6 +75,7 @@ CommandView CurrentCommandView() {
     if (hasTab) {
         const DocumentTab& tab = TabAt(g_documents.activeTab);
         view.conditions |= EditorConditions();
+        view.columns = CaretsAreColumns(tab.editor);
         view.fileForm = static_cast<int>(FileFormOf(tab));
         view.lineEnding = static_cast<int>(tab.lineEnding);
     }
@@ -85,6 +90,7 @@ CommandView CurrentCommandView() {
     if (BuildCanBeStopped()) view.conditions |= kBuilding;
     view.conditions |= BitIf(!ProjectFilePath().empty(), kProjectOpen) | BitIf(!BuildSourceNow().empty(), kCanBuild);
     if (!CompilerIsBuilding()) view.conditions |= kIdle;
+    view.conditions |= BitIf(ProgressRuns(ProgressOf::Search), kSearching);
     view.conditions |= DebugConditions();
     view.conditions |= BitIf(AiRequestsRun(), kAiRunning) | BitIf(g_ai.aiDoPending, kAiPending) |
                        BitIf(g_ai.aiReply.state != AiReplyState::None, kAiReply) | BitIf(ChatViewHasCode(), kAiCode);

@@ -72,6 +72,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_FILES_REPLACE, kAlways},
     {IDM_FILES_NEXT, kAlways},  // says why there is none
     {IDM_FILES_PREVIOUS, kAlways},
+    {IDM_FILES_STOP, kSearching, nullptr, Internal},
     {IDM_QUICK_OPEN, kAlways},
     {IDM_COMMAND_PALETTE, kAlways},
     {IDM_SYMBOL_DEFINITION, kHasTab},
@@ -111,6 +112,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_CARET_BELOW, kHasTab},
     {IDM_SELECT_NEXT, kHasTab},
     {IDM_SELECT_EACH, kHasTab},
+    {IDM_SELECT_COLUMNS, kHasTab | kHasCorners, [](const CommandView& view) { return view.columns; }},
     {IDM_FOLD, kHasTab},
     {IDM_UNFOLD, kHasTab},
     {IDM_FOLD_ALL, kHasTab},

@@ -36,10 +36,12 @@ enum CommandCondition : std::uint32_t {
     kAiPending = 1u << 22,  // a replacement waits to be accepted or undone
     kAiCode = 1u << 23,     // the chat holds code
     kProjectOpen = 1u << 24,
-    kCanBuild = 1u << 25,   // the active document has a file, or the project has one to build
-    kHasClosed = 1u << 29,  // a document was closed that can be opened again
-    kHasSaved = 1u << 30,   // a document without changes that is not pinned
-    kNever = 1u << 31,      // never set, so the command stays disabled: not in this version
+    kCanBuild = 1u << 25,    // the active document has a file, or the project has one to build
+    kSearching = 1u << 26,   // a search in files runs
+    kHasCorners = 1u << 27,  // text is selected, or a selection of columns
+    kHasClosed = 1u << 29,   // a document was closed that can be opened again
+    kHasSaved = 1u << 30,    // a document without changes that is not pinned
+    kNever = 1u << 31,       // never set, so the command stays disabled: not in this version
 };
 
 // The state on which enabled and checked depend.
@@ -56,6 +58,7 @@ struct CommandView {
     int compiler = 0;           // CompilerId
     int tab = -1;               // index of the active document
     bool pinned = false;        // the active document is
+    bool columns = false;       // its selection is one of columns
     int profile = 0;            // build profile: 0 debug, 1 release, 2 fast
     int fileForm = -1;          // of the active document: FileForm; -1: there is none
     int lineEnding = -1;        // LineEnding

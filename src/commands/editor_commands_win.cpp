@@ -47,6 +47,7 @@ constexpr CommandHandler kEditorHandlers[] = {
     {IDM_CARET_BELOW, [](int) { CaretAddBeside(g_documents.hEditor, false); }},
     {IDM_SELECT_NEXT, [](int) { CaretSelectNext(g_documents.hEditor); }},
     {IDM_SELECT_EACH, [](int) { CaretSelectEach(g_documents.hEditor); }},
+    {IDM_SELECT_COLUMNS, [](int) { CaretsToggleColumns(g_documents.hEditor); }},
     {IDM_FOLD, [](int) { EditorFoldAtCaret(g_documents.hEditor, true); }},
     {IDM_UNFOLD, [](int) { EditorFoldAtCaret(g_documents.hEditor, false); }},
     {IDM_FOLD_ALL, [](int) { EditorFoldAll(g_documents.hEditor, true); }},

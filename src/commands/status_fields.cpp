@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int kProgressCommands[] = {IDM_BUILD_STOP};
+constexpr int kProgressCommands[] = {IDM_BUILD_STOP, IDM_FILES_STOP};  // StatusProgressStop chooses
 constexpr int kPositionCommands[] = {IDM_EDIT_GOTO};
 constexpr int kEncodingCommands[] = {IDM_ENCODE_UTF8, IDM_ENCODE_ANSI, IDM_ENCODE_UTF16_LE, IDM_ENCODE_UTF16_BE, 0,
                                      IDM_REOPEN_UTF8, IDM_REOPEN_ANSI, IDM_REOPEN_UTF16_LE, IDM_REOPEN_UTF16_BE};
@@ -21,7 +21,7 @@ constexpr int kZoomCommands[] = {IDM_VIEW_ZOOM_IN, IDM_VIEW_ZOOM_OUT, 0, IDM_VIE
 
 constexpr StatusField kFields[] = {
     {.name = English(L"Message"), .canBeHidden = false},
-    {.name = English(L"Progress"), .tip = English(L"Stop the build"), .commands = kProgressCommands},
+    {.name = English(L"Progress"), .commands = kProgressCommands},
     {.name = English(L"Position"), .tip = English(L"Go to a line"), .commands = kPositionCommands},
     {.name = English(L"Selection and length")},
     {.name = English(L"Encoding"), .tip = English(L"Change the encoding"), .commands = kEncodingCommands},
@@ -45,6 +45,12 @@ bool IsShown(const StatusWidths& ends, int part) {
 const StatusField& StatusFieldOf(StatusPart part) { return kFields[part]; }
 
 bool StatusFieldReacts(StatusPart part) { return !kFields[part].commands.empty(); }
+
+ProgressStop StatusProgressStop(bool builds, bool searches) {
+    if (builds) return {.command = IDM_BUILD_STOP, .tip = English(L"Stop the build")};
+    if (searches) return {.command = IDM_FILES_STOP, .tip = English(L"Stop the search in files")};
+    return {};
+}
 
 bool StatusFieldIsHidden(std::int32_t hidden, StatusPart part) {
     return kFields[part].canBeHidden && (hidden & BitOf(part)) != 0;

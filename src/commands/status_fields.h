@@ -15,6 +15,13 @@ struct StatusField {
 const StatusField& StatusFieldOf(StatusPart part);
 bool StatusFieldReacts(StatusPart part);
 
+// What a click on the field of progress ends: of the work that runs, that which the field shows first.
+struct ProgressStop {
+    int command = 0;  // 0: nothing runs
+    const wchar_t* tip = nullptr;
+};
+ProgressStop StatusProgressStop(bool builds, bool searches);
+
 // `hidden` is the setting: a bit for each part that is not shown.
 bool StatusFieldIsHidden(std::int32_t hidden, StatusPart part);
 std::int32_t StatusFieldToggled(std::int32_t hidden, StatusPart part);

@@ -13,6 +13,7 @@
 #include "settings/settings_state.h"
 #include "ui/control_theme.h"
 #include "ui/menu.h"
+#include "ui/progress.h"
 #include "ui/ui_state.h"
 
 #include <commctrl.h>
@@ -53,12 +54,15 @@ void ShowCommands(HWND bar, StatusPart part) {
     if (chosen != 0) PostMessageW(g_ui.hMainWnd, WM_COMMAND, chosen, 0);
 }
 
+ProgressStop StopNow() { return StatusProgressStop(ProgressRuns(ProgressOf::Build), ProgressRuns(ProgressOf::Search)); }
+
 void OpenField(HWND bar, StatusPart part) {
     if (!StatusFieldReacts(part) || DebugIsWaiting()) return;  // a menu runs a message loop
     const std::span<const int> commands = StatusFieldOf(part).commands;
     if (commands[0] == IDM_COMPILER_MENU) return ToolbarShowCompilersAt(CornerOf(bar, part));
-    if (commands.size() > 1) return ShowCommands(bar, part);
-    PostMessageW(g_ui.hMainWnd, WM_COMMAND, static_cast<WPARAM>(commands[0]), 0);
+    if (part != kProgress && commands.size() > 1) return ShowCommands(bar, part);
+    const int command = part == kProgress ? StopNow().command : commands[0];
+    if (command != 0) PostMessageW(g_ui.hMainWnd, WM_COMMAND, static_cast<WPARAM>(command), 0);
 }
 
 // Which fields are shown, and the bar itself.
@@ -138,8 +142,11 @@ void OnStatusMouse(HWND bar, LPARAM point) {
 
 bool FillStatusTip(NMHDR& header) {
     if (g_input.tip == nullptr || header.hwndFrom != g_input.tip || header.code != TTN_GETDISPINFOW) return false;
-    const wchar_t* const tip =
-        g_input.tipPart >= 0 ? StatusFieldOf(static_cast<StatusPart>(g_input.tipPart)).tip : nullptr;
+    const wchar_t* tip = nullptr;
+    if (g_input.tipPart == kProgress)
+        tip = StopNow().tip;
+    else if (g_input.tipPart >= 0)
+        tip = StatusFieldOf(static_cast<StatusPart>(g_input.tipPart)).tip;
     reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = const_cast<wchar_t*>(tip != nullptr ? Text(tip) : L"");
     return true;
 }

@@ -66,3 +66,6 @@ void CaretAddBeside(HWND editor, bool above);  // a caret on the line above the 
 // Selects the word at the caret, or one place more of what is selected.
 void CaretSelectNext(HWND editor);
 void CaretSelectEach(HWND editor);
+bool CaretsAreColumns(HWND editor);  // a selection of columns
+// Makes the main selection one of columns between the same corners, or a selection of columns an ordinary one.
+void CaretsToggleColumns(HWND editor);

@@ -146,6 +146,11 @@ CaretsDrawOnce::~CaretsDrawOnce() {
     RedrawWindow(editor_, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME);
 }
 
+bool CaretsAreColumns(HWND editor) {
+    const LRESULT mode = PaneSend(editor, SCI_GETSELECTIONMODE);
+    return mode == SC_SEL_RECTANGLE || mode == SC_SEL_THIN;  // thin: what is left when text was typed over it
+}
+
 bool CaretsAreEmpty(HWND editor) { return PaneSend(editor, SCI_GETSELECTIONEMPTY) != 0; }
 
 std::vector<LineBlock> CaretLines(HWND editor) {
@@ -235,4 +240,18 @@ void CaretSelectEach(HWND editor) {
     // How many they are stands beside the caret's place in the status bar, as long as they are there.
     if (spans.size() == kMostCarets)
         Tell(editor, FormatW(Text(L"%d selections: the first ones"), static_cast<int>(kMostCarets)));
+}
+
+void CaretsToggleColumns(HWND editor) {
+    if (editor == nullptr) return;
+    if (CaretsAreColumns(editor)) {
+        const LRESULT anchor = PaneSend(editor, SCI_GETRECTANGULARSELECTIONANCHOR);
+        const LRESULT caret = PaneSend(editor, SCI_GETRECTANGULARSELECTIONCARET);
+        PaneSend(editor, SCI_CLEARSELECTIONS);  // else the next one would be of columns again
+        PaneSend(editor, SCI_SETSELECTION, caret, anchor);
+        return;
+    }
+    const CaretSpan main = MainSpan(editor);
+    PaneSend(editor, SCI_SETRECTANGULARSELECTIONANCHOR, main.anchor);
+    PaneSend(editor, SCI_SETRECTANGULARSELECTIONCARET, main.caret);
 }

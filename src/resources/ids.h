@@ -76,6 +76,7 @@
 #define IDM_FILES_REPLACE 1071
 #define IDM_FILES_NEXT 1072
 #define IDM_FILES_PREVIOUS 1073
+#define IDM_FILES_STOP 1705
 // --- Lines, letters and carets
 #define IDM_LINES_DUPLICATE 1520
 #define IDM_LINES_DELETE 1521
@@ -95,6 +96,7 @@
 #define IDM_CARET_BELOW 1535
 #define IDM_SELECT_NEXT 1536  // the next place of what is selected, as a selection more
 #define IDM_SELECT_EACH 1537
+#define IDM_SELECT_COLUMNS 1704  // the selection as one of columns, and back
 // --- Folding, at the caret and everywhere
 #define IDM_FOLD 1538
 #define IDM_UNFOLD 1539

@@ -423,6 +423,7 @@ std::span<const CommandHandler> FilesSearchCommandHandlers() {
         {IDM_FILES_REPLACE, [](int) { FilesDialogShow(g_ui.hMainWnd, true); }},
         {IDM_FILES_NEXT, [](int) { FilesGoBeside(true); }},
         {IDM_FILES_PREVIOUS, [](int) { FilesGoBeside(false); }},
+        {IDM_FILES_STOP, [](int) { FilesSearchEnd(); }},
     };
     return kHandlers;
 }

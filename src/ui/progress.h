@@ -6,3 +6,4 @@
 
 enum class ProgressOf : std::uint8_t { Build, Search, Count };
 void ProgressShow(ProgressOf work, const std::wstring& text);  // empty: it does not run
+bool ProgressRuns(ProgressOf work);

@@ -104,7 +104,7 @@ constexpr Moment kMoments[] = {
     {'n', kIdle | kNoSession},  // no document
     {'u', kText | kBasicSource},
     {'e', kText | kBasicSource | kCanUndo | kCanRedo | kAnyModified | kHasOtherTabs | kHasTabsRight},  // edited
-    {'s', kText | kBasicSource | kHasSelection | kCanCut | kCanCopy},
+    {'s', kText | kBasicSource | kHasSelection | kHasCorners | kCanCut | kCanCopy},
     {'f', kText | kHasFile | kCanBuild},  // saved, but not BASIC
     {'x', kText | kHasFile | kCanBuild | kHasErrors},
     {'b', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kCanBuild | kBuilding | kNoSession},
@@ -130,7 +130,8 @@ std::vector<Mark> Marks() {
                                       {"wrap", &CommandView::wrap},
                                       {"steps follow", &CommandView::stepsFollow},
                                       {"keeps console", &CommandView::keepsConsole},
-                                      {"error texts", &CommandView::errorTexts}})
+                                      {"error texts", &CommandView::errorTexts},
+                                      {"columns", &CommandView::columns}})
         add(name).*shown = true;
     for (const auto& [name, pane] :
          {std::pair{"output", PaneId::Output}, {"asm", PaneId::Asm}, {"debug pane", PaneId::Debug}, {"ai", PaneId::Ai}})

@@ -2,6 +2,7 @@
 #include "ai/ai_pane_layout.h"
 #include "commands/status_bar_text.h"
 #include "commands/status_fields.h"
+#include "resources/ids.h"
 #include "ui/block_size.h"
 #include "ui/box_buttons.h"
 #include "ui/box_text.h"
@@ -185,6 +186,13 @@ TEST(StatusBar, TheKeyboardWalksOverWhatReactsAndIsShown) {
     EXPECT_TRUE(StatusFieldIsHidden(StatusFieldToggled(0, kZoom), kZoom));
     EXPECT_FALSE(StatusFieldIsHidden(-1, kMessage)) << "always there";
     EXPECT_EQ(StatusFieldToggled(StatusFieldToggled(4, kZoom), kZoom), 4);
+}
+
+TEST(StatusBar, AClickOnTheProgressStopsWhatItShowsFirst) {
+    EXPECT_EQ(StatusProgressStop(false, true).command, IDM_FILES_STOP);
+    EXPECT_EQ(StatusProgressStop(true, true).command, IDM_BUILD_STOP);
+    EXPECT_EQ(StatusProgressStop(false, false).command, 0);
+    EXPECT_STRNE(StatusProgressStop(true, false).tip, StatusProgressStop(false, true).tip);
 }
 
 TEST(StatusBar, TheMessageKeepsItsRoomAndTheLeastNeededPartsGo) {

@@ -131,6 +131,32 @@ TEST(Bars, FieldsOfTheStatusBarReact) {
     EXPECT_LE(zoom.right - zoom.left, 2);
 }
 
+TEST(Bars, TheSelectionBecomesOneOfColumnsAndBack) {
+    ProgramFolder folder;
+    const Editor editor(folder, OpenArgument(folder.Write(L"lines.txt", "eee\r\neee\r\neeeee")));  // at 0, 5, 10
+    editor.Do(IDM_SELECT_COLUMNS);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONMODE), SC_SEL_STREAM) << "nothing is selected";
+    editor.Sci(SCI_SETSELECTION, 13, 1);
+    editor.Do(IDM_SELECT_COLUMNS);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONS), 3);
+    for (const auto& [line, start] : {std::pair{0, 1}, {1, 6}, {2, 11}}) {
+        EXPECT_EQ(editor.Sci(SCI_GETSELECTIONNSTART, static_cast<WPARAM>(line)), start);
+        EXPECT_EQ(editor.Sci(SCI_GETSELECTIONNEND, static_cast<WPARAM>(line)), start + 2);
+    }
+    editor.Do(IDM_SELECT_COLUMNS);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONMODE), SC_SEL_STREAM);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONS), 1);
+    EXPECT_EQ(editor.Sci(SCI_GETANCHOR), 1);
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 13);
+    // A caret in each line is left of columns without a width.
+    editor.Sci(SCI_SETSELECTION, 11, 1);
+    editor.Do(IDM_SELECT_COLUMNS);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONS), 3);
+    editor.Do(IDM_SELECT_COLUMNS);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONS), 1);
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 11);
+}
+
 struct LineStep {
     const char* name;
     std::vector<std::pair<int, int>> selections;  // anchor and caret, in bytes
