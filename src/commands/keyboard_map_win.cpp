@@ -25,15 +25,13 @@ struct KeyMap {
 
 KeyMap& MapOf(HWND dialog) { return *reinterpret_cast<KeyMap*>(GetWindowLongPtrW(dialog, DWLP_USER)); }
 
-std::vector<KeyMapRow> AllKeyRows(HMENU menu) {
+std::vector<KeyMapRow> KeyRowsOfMenu(HMENU menu) {
     std::vector<KeyMapRow> rows;
     for (const MenuCommand& command : MenuCommands(menu)) {
-        if (command.keys.empty()) continue;
         std::wstring place = command.path;
         if (place.ends_with(L" > ")) place.resize(place.size() - 3);
         rows.push_back({command.id, command.keys, command.name, place});
     }
-    for (const EditorKey& key : EditorKeys()) rows.push_back({0, key.keys, Text(key.what), Text(L"in the text")});
     return rows;
 }
 
@@ -97,7 +95,7 @@ INT_PTR CALLBACK KeysDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lP
 }  // namespace
 
 void KeyboardMapShow(HWND owner) {
-    KeyMap map{.all = AllKeyRows(GetMenu(owner)), .shown = {}};
+    KeyMap map{.all = AllKeyRows(KeyRowsOfMenu(GetMenu(owner))), .shown = {}};
     const INT_PTR answer =
         DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_KEYS), owner, KeysDlgProc, reinterpret_cast<LPARAM>(&map));
     if (answer == -1) AppLogMsg(L"FAIL: KeyboardMapShow error=%lu", GetLastError());

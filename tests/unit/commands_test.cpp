@@ -332,35 +332,70 @@ TEST(Commands, NoKeyMeansSomethingToTheEditingControlToo) {
     }
 }
 
+// "F8, F4": both.
+std::set<std::string> KeysIn(const std::wstring& shown) {
+    std::set<std::string> keys;
+    for (std::size_t at = 0; at < shown.size();) {
+        const std::size_t end = std::min(shown.find(L", ", at), shown.size());
+        keys.insert(ToUtf8(shown.substr(at, end - at)));
+        at = end + 2;
+    }
+    return keys;
+}
+
 // Keys that lists, trees and lines handle themselves wherever they have the keyboard. A command may have one of them only
 // when that is for the editor alone.
 TEST(Commands, PanesKeepTheirOwnKeys) {
-    const std::set<std::string> own = {"F2",        "Ins",    "Shift+Ins", "Del",   "Enter",  "Tab",
-                                       "Shift+Tab", "Up",     "Down",      "Left",  "Right",  "PageUp",
-                                       "PageDown",  "Home",   "End",       "Space", "Ctrl+A", "Ctrl+C",
-                                       "Ctrl+R",    "Alt+Up", "Alt+Down",  "Esc"};
+    // These windows take their keys before the commands do.
+    const std::set<std::wstring> first = {L"in the peek window", L"in Find and Replace",
+                                          L"in Go to File and the command palette"};
+    std::set<std::string> own = {"Ctrl+A"};
+    for (const PaneKey& pane : PaneKeys())
+        if (!first.contains(pane.place)) own.merge(KeysIn(pane.keys));
+    EXPECT_GT(own.size(), 20u);
     for (const ExtraKey& key : ExtraKeys())
         EXPECT_TRUE(key.editorOnly || !own.contains(NarrowName(key))) << NarrowName(key) << " is a key of panes";
 }
 
-// The menus as docs/keyboard.md lists them.
-std::string KeyboardPage(const Resources& resources) {
+// The rows of the keyboard map, with the menus as they stand in the resources.
+std::vector<KeyMapRow> MapRows(const Resources& resources) {
     const std::multimap<std::string, int> all = AllKeys(resources);
-    std::string page =
-        "# Keys\n\nMade from the tables of the program. Help > Keyboard Map shows the same, with a filter.\n\n"
-        "| keys | command |\n|---|---|\n";
+    std::vector<KeyMapRow> rows;
     for (const MenuItem& item : resources.items) {
         std::string keys = item.key;
         for (const auto& [key, command] : all)
             if (command == item.command && key != item.key) keys += (keys.empty() ? "" : ", ") + key;
         std::string name = std::regex_replace(item.text, std::regex("&(.)"), "$1");
         while (name.ends_with('.')) name.pop_back();
-        if (!keys.empty()) page += "| " + keys + " | " + name + " |\n";
+        rows.push_back({item.command, {keys.begin(), keys.end()}, {name.begin(), name.end()}, L""});
     }
-    page += "\n## In the text\n\n| keys | what they do |\n|---|---|\n";
-    for (const EditorKey& key : EditorKeys()) {
-        const std::wstring keys = key.keys, what = key.what;
-        page += "| " + std::string(keys.begin(), keys.end()) + " | " + std::string(what.begin(), what.end()) + " |\n";
+    return AllKeyRows(rows);
+}
+
+TEST(Commands, TheKeyboardMapHasEachKeyOfACommandOnce) {
+    const Resources resources = ReadResources();
+    std::map<std::string, std::vector<int>> shown;
+    for (const KeyMapRow& row : MapRows(resources)) {
+        if (row.command == 0) continue;
+        for (const std::string& key : KeysIn(row.keys)) shown[key].push_back(row.command);
+    }
+    for (const auto& [key, command] : AllKeys(resources)) EXPECT_EQ(shown[key], std::vector{command}) << key;
+}
+
+// The map as docs/keyboard.md lists it.
+std::string KeyboardPage(const Resources& resources) {
+    std::string page =
+        "# Keys\n\nMade from the tables of the program. Help > Keyboard Map shows the same, with a filter.\n\n"
+        "| keys | command |\n|---|---|\n";
+    std::wstring place;
+    for (const KeyMapRow& row : MapRows(resources)) {
+        if (row.command == 0 && row.place != place) {
+            place = row.place;
+            std::string title = ToUtf8(place);
+            title[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(title[0])));
+            page += "\n## " + title + "\n\n| keys | what they do |\n|---|---|\n";
+        }
+        page += "| " + ToUtf8(row.keys) + " | " + ToUtf8(row.name) + " |\n";
     }
     return page;
 }
