@@ -1,6 +1,7 @@
 // The status bar: its texts and its painting. UI thread.
 #include "commands/status_bar.h"
 
+#include "base/texts.h"
 #include "commands/command_state.h"
 #include "commands/commands_state.h"
 #include "commands/focus_frame.h"
@@ -14,6 +15,7 @@
 #include "settings/compiler_presence.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
@@ -150,12 +152,22 @@ void PaintStatusBar(HWND window) {
     SelectObject(dc, oldFont);
 }
 
+// What a screen reader says of a part: "Encoding: UTF-8".
+std::wstring NameOfPart(int part) {
+    const std::wstring name = Text(StatusFieldOf(static_cast<StatusPart>(part)).name);
+    const std::wstring& text = g_texts[static_cast<std::size_t>(part)];
+    return text.empty() ? name : name + L": " + text;
+}
+
 LRESULT CALLBACK StatusBarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_ERASEBKGND: return 1;
         case WM_PAINT:
             if (!g_takesText) PaintStatusBar(window);
             return 0;
+        case WM_GETOBJECT:
+            return AccessibleAnswer(window, wParam, lParam, Text(L"Status Bar"),
+                                    SubclassNext(window, message, wParam, lParam), {kStatusPartCount, NameOfPart});
         default:
             if (StatusFieldsTake(window, message, wParam, lParam)) return 0;
             break;

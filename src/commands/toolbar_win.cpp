@@ -12,6 +12,7 @@
 #include "debugui/debug_commands.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -232,6 +233,18 @@ void NameButtons(HWND bar) {
     SizeButtons();
 }
 
+std::wstring NameOfButton(int index) {
+    const ButtonRow& row = kToolbarButtons[index];
+    return row.command != 0 ? ButtonName(row) : L"";
+}
+
+LRESULT AnswerForButtons(HWND bar, WPARAM wParam, LPARAM lParam) {
+    constexpr AccessibleParts kButtons = {static_cast<int>(std::size(kToolbarButtons)), NameOfButton};
+    NameButtons(bar);
+    return AccessibleAnswer(bar, wParam, lParam, Text(L"Toolbar"), SubclassNext(bar, WM_GETOBJECT, wParam, lParam),
+                            kButtons);
+}
+
 // Fills the background, because the control has no setting for its colour.
 LRESULT EraseBar(HWND bar, HDC dc) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
@@ -251,7 +264,7 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
             break;
         case WM_LBUTTONDOWN: g_pressed = CommandAt(window, lParam); break;
         case WM_LBUTTONUP: g_applied.reset(); break;  // because a click changes a check button's state
-        case WM_GETOBJECT: NameButtons(window); break;
+        case WM_GETOBJECT: return AnswerForButtons(window, wParam, lParam);
         case WM_SIZE: FitButtons(); break;
         default:
             if (ToolbarKeysTake(window, message, wParam)) return 0;

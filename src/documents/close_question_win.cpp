@@ -5,6 +5,7 @@
 #include "base/texts.h"
 #include "base/wide_format.h"
 #include "resources/ids.h"
+#include "ui/accessible.h"
 #include "ui/dialog_panes.h"
 #include "ui/dialog_theme.h"
 #include "ui/guarded_button.h"
@@ -85,6 +86,7 @@ void FillCloseDialog(HWND dialog, CloseDialog& close) {
     close.list.inDialog = true;
     if (!ListViewCreate(close.list, dialog, IDC_CLOSE_LIST)) return;
     DialogPutInPlace(dialog, IDC_CLOSE_LIST, close.list.window);
+    AccessibleNameSet(close.list.window, Text(L"Files"));
     ListViewApplyTheme(close.list);
     ListViewShow(close.list, kCloseList);
     ShowCloseRows(close);

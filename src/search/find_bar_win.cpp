@@ -234,7 +234,7 @@ bool CreateBar() {
         CreateWindowExW(row.exStyle, row.className, Text(row.text), WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | row.style,
                         0, 0, 0, 0, g_search.hFindBar, reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)),
                         g_ui.hInstance, nullptr);
-    AccessibleNameSet(Control(IDC_BAR_FIELD), Text(L"Search"));
+    AccessibleNameSet(Control(IDC_BAR_FIELD), Text(L"Text to find"));
     SendMessageW(Control(IDC_BAR_FIELD), EM_LIMITTEXT, kFindFieldLimit, 0);
     return true;
 }

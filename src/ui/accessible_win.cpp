@@ -39,7 +39,8 @@ const Accessibility& Functions() {
 // The object of a control with a name of ours: all else is asked of the control's own object.
 class NamedAccessible final : public IAccessible {
 public:
-    NamedAccessible(IAccessible* control, std::wstring name) : control_(control), name_(std::move(name)) {}
+    NamedAccessible(IAccessible* control, std::wstring name, const AccessibleParts& parts)
+        : control_(control), name_(std::move(name)), parts_(parts) {}
     virtual ~NamedAccessible() { control_->Release(); }
     NamedAccessible(const NamedAccessible&) = delete;
     NamedAccessible& operator=(const NamedAccessible&) = delete;
@@ -59,9 +60,21 @@ public:
     }
 
     HRESULT STDMETHODCALLTYPE get_accName(VARIANT child, BSTR* name) override {
-        if (child.vt != VT_I4 || child.lVal != CHILDID_SELF) return control_->get_accName(child, name);
-        *name = SysAllocString(name_.c_str());
-        return *name != nullptr ? S_OK : E_OUTOFMEMORY;
+        const bool isSelf = child.vt == VT_I4 && child.lVal == CHILDID_SELF;
+        if (!isSelf && !IsPart(child)) return control_->get_accName(child, name);
+        const std::wstring text = isSelf ? name_ : parts_.name(static_cast<int>(child.lVal) - 1);
+        *name = text.empty() ? nullptr : SysAllocString(text.c_str());
+        return text.empty() ? S_FALSE : *name != nullptr ? S_OK : E_OUTOFMEMORY;
+    }
+    HRESULT STDMETHODCALLTYPE get_accChildCount(LONG* count) override {
+        if (parts_.count == 0) return control_->get_accChildCount(count);
+        *count = parts_.count;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE get_accChild(VARIANT child, IDispatch** object) override {
+        if (!IsPart(child)) return control_->get_accChild(child, object);
+        *object = nullptr;  // a part has no object of its own
+        return S_FALSE;
     }
 
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override { return control_->GetTypeInfoCount(count); }
@@ -76,10 +89,6 @@ public:
         return control_->Invoke(member, id, locale, flags, arguments, result, exception, wrong);
     }
     HRESULT STDMETHODCALLTYPE get_accParent(IDispatch** parent) override { return control_->get_accParent(parent); }
-    HRESULT STDMETHODCALLTYPE get_accChildCount(LONG* count) override { return control_->get_accChildCount(count); }
-    HRESULT STDMETHODCALLTYPE get_accChild(VARIANT child, IDispatch** object) override {
-        return control_->get_accChild(child, object);
-    }
     HRESULT STDMETHODCALLTYPE get_accValue(VARIANT child, BSTR* value) override {
         return control_->get_accValue(child, value);
     }
@@ -127,8 +136,13 @@ public:
     }
 
 private:
+    bool IsPart(const VARIANT& child) const {
+        return child.vt == VT_I4 && child.lVal >= 1 && child.lVal <= parts_.count;
+    }
+
     IAccessible* control_;  // owned
     std::wstring name_;
+    AccessibleParts parts_;
     ULONG users_ = 1;
 };
 
@@ -155,14 +169,15 @@ bool TextIsContent(HWND window) {
 
 }  // namespace
 
-LRESULT AccessibleAnswer(HWND window, WPARAM wParam, LPARAM lParam, const std::wstring& name, LRESULT usual) {
+LRESULT AccessibleAnswer(HWND window, WPARAM wParam, LPARAM lParam, const std::wstring& name, LRESULT usual,
+                         const AccessibleParts& parts) {
     const Accessibility& functions = Functions();
     if (static_cast<LONG>(lParam) != static_cast<LONG>(OBJID_CLIENT)) return usual;
     if (functions.standardObject == nullptr || functions.answerOf == nullptr || functions.objectOf == nullptr)
         return usual;
     IAccessible* const control = ObjectOfControl(window, wParam, usual);
     if (control == nullptr) return 0;  // the answer of the control is used up
-    IAccessible* const named = new NamedAccessible(control, name);
+    IAccessible* const named = new NamedAccessible(control, name, parts);
     const LRESULT answer = functions.answerOf(__uuidof(IAccessible), wParam, named);
     named->Release();
     return answer;
