@@ -19,7 +19,7 @@ ChromePalette ChromeOfStyle(const EditorPalette& page, Rgb accent, const ChromeP
     const Rgb shade = dark ? ThemeBlend(kBlack, page.margin, 0x38) : ThemeBlend(text, page.margin, 0x07);
     ChromePalette chrome = usual;
     chrome.windowBack = chrome.tabBack = ThemeBlend(accent, shade, 0x0A);
-    chrome.statusBack = ThemeBlend(accent, shade, dark ? 0x1A : 0x12);
+    chrome.statusBack = ThemeBlend(accent, shade, dark ? 0x1A : 0x0E);
     chrome.paneBack = ThemeBlend(chrome.windowBack, page.back, dark ? 0x60 : 0x40);
     chrome.line = ThemeBlend(text, chrome.windowBack, 0x2C);
     chrome.hover = ThemeBlend(text, chrome.windowBack, dark ? 0x18 : 0x10);

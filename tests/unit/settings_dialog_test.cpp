@@ -110,25 +110,26 @@ TEST(SettingsForm, RefusesWhatASettingCannotHold) {
     EXPECT_EQ(ColourOfText(L"#102030"), 0x302010);
 }
 
+FormPlace PlaceOf(const SettingItem& item) {
+    for (std::size_t page = 0; page < SettingsPages().size(); ++page)
+        for (std::size_t i = 0; i < SettingsPages()[page].items.size(); ++i)
+            if (&SettingsPages()[page].items[i] == &item) return {page, i};
+    return {};
+}
+
 TEST(SettingsForm, PutsOnlyWhatWasEdited) {
     const auto settings = std::make_unique<Settings>();
     SettingsDefaults(*settings);
     settings->tabWidth = 99;  // by hand, beyond the limits of the dialog
     SettingsForm form = FormOf(*settings);
     EXPECT_FALSE(FormIsEdited(form));
-    const auto place = [](const SettingItem& item) {
-        for (std::size_t page = 0; page < SettingsPages().size(); ++page)
-            for (std::size_t i = 0; i < SettingsPages()[page].items.size(); ++i)
-                if (&SettingsPages()[page].items[i] == &item) return FormPlace{page, i};
-        return FormPlace{};
-    };
-    const FormPlace size = place(ItemOf(L"FontSize")), url = place(ItemOf(L"OpenAIUrl", L"AI"));
+    const FormPlace size = PlaceOf(ItemOf(L"FontSize")), url = PlaceOf(ItemOf(L"OpenAIUrl", L"AI"));
     form.texts[size.page][size.item] = L"5";
     ASSERT_TRUE(FormFirstProblem(form).has_value());
     EXPECT_EQ(FormFirstProblem(form)->item, size.item);
     form.texts[size.page][size.item] = L"20";
     form.texts[url.page][url.item] = L" https://own/v1 ";
-    const FormPlace tree = place(ItemOf(L"ProjectTreeWidth", L"Project"));  // one number for two settings
+    const FormPlace tree = PlaceOf(ItemOf(L"ProjectTreeWidth", L"Project"));  // one number for two settings
     EXPECT_EQ(form.texts[tree.page][tree.item], L"200");
     form.texts[tree.page][tree.item] = L"330";
     EXPECT_FALSE(FormFirstProblem(form).has_value()) << "a value that nobody touched refuses nothing";
@@ -142,6 +143,24 @@ TEST(SettingsForm, PutsOnlyWhatWasEdited) {
     EXPECT_EQ(settings->projectTreeWidth, 200);
     EXPECT_EQ(settings->projectTreeExtra, 130);
     EXPECT_EQ(SettingItemText(ItemOf(L"ProjectTreeWidth", L"Project"), *settings), L"330");
+}
+
+TEST(SettingsForm, AStyleBringsItsFont) {
+    const auto settings = std::make_unique<Settings>();
+    SettingsDefaults(*settings);
+    SafeCopyW(settings->fontName, L"Segoe UI");
+    SettingsForm form = FormOf(*settings);
+    const FormPlace style = PlaceOf(ItemOf(L"EditorStylePreset")), face = PlaceOf(ItemOf(L"Font"));
+    const auto choose = [&](const wchar_t* row) {
+        FormSetText(form, style, row);
+        FormPut(form, *settings);
+        return std::wstring(settings->fontName) + L" " + std::to_wstring(settings->fontSize);
+    };
+    EXPECT_EQ(choose(L"3"), L"Courier New 10");
+    EXPECT_EQ(choose(L"4"), L"Lucida Console 10");
+    EXPECT_EQ(settings->editorStylePreset, 4);
+    FormSetText(form, face, L"Cascadia Mono");
+    EXPECT_EQ(choose(L"5"), L"Cascadia Mono 10") << "the user's own";
 }
 
 TEST(SettingsForm, IsSearchedByEveryWord) {

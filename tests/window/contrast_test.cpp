@@ -44,10 +44,17 @@ constexpr char kStops[] =
 
 class Contrast : public ::testing::TestWithParam<int> {};
 
-TEST_P(Contrast, EveryTextOnTheScreenCanBeRead) {
+struct Frame {
+    const char* name;
+    int theme, style;
+};
+class ContrastOfFrame : public ::testing::TestWithParam<Frame> {};
+
+TEST_P(ContrastOfFrame, EveryTextOnTheScreenCanBeRead) {
     ProgramFolder folder(kCompilers);
     for (const wchar_t* pane : {L"ShowErrorList", L"ShowTerminal"}) folder.SetIni(L"Editor", pane, L"1");
-    folder.SetIni(L"Editor", L"Theme", std::to_wstring(GetParam()));
+    folder.SetIni(L"Editor", L"Theme", std::to_wstring(GetParam().theme));
+    folder.SetIni(L"Editor", L"EditorStylePreset", std::to_wstring(GetParam().style));
     folder.SetIni(L"Editor", L"ReadableOutput", L"1");
     folder.SetIni(L"Project", L"ShowProjectTree", L"1");
     folder.SetIni(L"Project", L"ShowOutline", L"1");
@@ -83,8 +90,8 @@ TEST_P(Contrast, EveryTextOnTheScreenCanBeRead) {
         EXPECT_GT(found, 0) << where << ": no words";
         words += found;
     };
-    // The menus of the light theme are the system's own, on its scale.
-    const int menuLine = GetParam() == 0 ? kPlainLine : kScaledLine;
+    // The menus of the program's own style in the light theme are the system's, on its scale.
+    const int menuLine = GetParam().theme == 0 && GetParam().style == 0 ? kPlainLine : kScaledLine;
     const auto menu = [&](const std::string& where) {
         ASSERT_TRUE(editor.AwaitMenu(true)) << where;
         popup(where, AwaitMenuWindow(editor), menuLine);
@@ -150,6 +157,9 @@ TEST_P(Contrast, TheListsOfTheDebuggerCanBeRead) {
     }
 }
 
+INSTANTIATE_TEST_SUITE_P(
+    Themes, ContrastOfFrame, ::testing::Values(Frame{"Light", 0, 0}, Frame{"Dark", 1, 0}, Frame{"LightClassic", 0, 5}),
+    [](const auto& each) { return each.param.name; });
 INSTANTIATE_TEST_SUITE_P(Themes, Contrast, ::testing::Values(0, 1),
                          [](const auto& each) { return each.param == 0 ? "Light" : "Dark"; });
 

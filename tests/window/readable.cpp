@@ -98,9 +98,14 @@ bool Near(Rgb a, Rgb b) {
 
 // Of an item in a menu only the colour tells that it cannot be used.
 bool IsOffInMenu(const PictureWord& word) {
-    const ChromePalette& dark = ThemeChromePalette(0, true);
-    return Near(word.text, SystemRgb(COLOR_GRAYTEXT)) ||
-           Near(word.text, ThemeBlend(dark.statusText, dark.statusBack, 128));
+    const auto isOff = [&](const ChromePalette& frame) {
+        return Near(word.ground, frame.statusBack) &&
+               Near(word.text, ThemeBlend(frame.statusText, frame.statusBack, 128));
+    };
+    if (Near(word.text, SystemRgb(COLOR_GRAYTEXT))) return true;
+    for (int style = 0; style < static_cast<int>(EditorStyles().size()); ++style)
+        if (isOff(ThemeChromePalette(style, true)) || isOff(ThemeChromePalette(style, false))) return true;
+    return false;
 }
 
 }  // namespace
