@@ -31,16 +31,6 @@ void SetCondition(const Session& session, const std::wstring& condition) {
     session.Enter(condition);
 }
 
-// Whether a tip comes over the text, or goes.
-bool TipOver(const Editor& editor, std::string_view text, bool told) {
-    const auto at = static_cast<LPARAM>(kSource.find(text));
-    editor.Click(editor.Sci(),
-                 {static_cast<LONG>(editor.Sci(SCI_POINTXFROMPOSITION, 0, at)) + 3,
-                  static_cast<LONG>(editor.Sci(SCI_POINTYFROMPOSITION, 0, at)) + 5},
-                 MOUSEEVENTF_LEFTDOWN, 0);
-    return WaitFor([&] { return (editor.Sci(SCI_CALLTIPACTIVE) != 0) == told; });
-}
-
 TEST(DebugNames, OfAProcedureAreWorthTheirValuesUntilTheyAreRemoved) {
     const struct {
         const wchar_t *compiler, *bp, *wide, *narrow;
@@ -66,8 +56,6 @@ TEST(DebugNames, OfAProcedureAreWorthTheirValuesUntilTheyAreRemoved) {
         ASSERT_NE(session.Field(), nullptr) << "what was refused can be mended";
         session.Enter(each.wide);
         EXPECT_TRUE(session.Await(std::wstring(L"n|LONG|") + each.wide + L"|1 (0x00000001)")) << Utf8(session.All());
-        EXPECT_TRUE(TipOver(session.editor, "n + n", true)) << "its value";
-        EXPECT_TRUE(TipOver(session.editor, "END FUNCTION", false)) << "which is none of another text";
 
         SetCondition(session, L"n >= 7 AND n <> 8");
         session.editor.Do(IDM_DEBUG_CONTINUE);
