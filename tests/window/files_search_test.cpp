@@ -159,6 +159,15 @@ TEST(FilesSearch, StopsAtOnce) {
     search.Start(IDM_FILES_FIND, L"(e|ee)+f", root, L"", true);  // takes its time
     search.Press(IDC_FILES_AGAIN);
     EXPECT_EQ(search.Button(IDC_FILES_AGAIN), L"Search Again");
+    // The field of the status bar that shows the search stops it as well. In these lines it would not end in time.
+    std::string lines;
+    while (lines.size() < text.size()) lines += std::string(30, 'e') + "\n";
+    for (int i = 0; i < 40; ++i) folder.Write(L"p\\" + std::to_wstring(i) + L".txt", lines);
+    search.Press(IDC_FILES_AGAIN);
+    ASSERT_TRUE(WaitFor([&] { return editor.Status(kPartProgress).starts_with(L"Searching"); }));
+    const HWND bar = editor.Child(IDC_STATUS_BAR);
+    editor.Click(bar, Centre(editor.Ask<RECT>(bar, SB_GETRECT, kPartProgress)));
+    EXPECT_TRUE(search.Ended());
     search.Press(IDC_FILES_AGAIN);
     EXPECT_EQ(editor.Close(), 0u) << "also while it searches";
 }

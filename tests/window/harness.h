@@ -18,7 +18,15 @@ inline constexpr int kDeadline = 15000;       // ms that anything may take on a 
 inline constexpr int kBuildDeadline = 60000;  // and a build
 
 // Parts of the status bar.
-enum StatusPart { kPartMessage, kPartPosition = 2, kPartSelection, kPartEncoding, kPartLineEnding, kPartCompiler };
+enum StatusPart {
+    kPartMessage,
+    kPartProgress,
+    kPartPosition,
+    kPartSelection,
+    kPartEncoding,
+    kPartLineEnding,
+    kPartCompiler
+};
 
 // Captions of the program's boxes.
 inline constexpr wchar_t kProgramTitle[] = L"KVXE - Unified Compiler Editor";
