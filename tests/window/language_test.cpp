@@ -65,12 +65,12 @@ std::string WideCatalogue() {
 
 // Names, which stay as they are in every language, and keys.
 const std::set<std::wstring> kNames = {
-    L"KVX",    L"KVXA",   L"KVXB",   L"KVXC",      L"KVXE",     L"KeldorBasic", L"Editor", L"OpenAI",
-    L"Studio", L"UTF",    L"ANSI",   L"CRLF",      L"Untitled", L"Consolas",    L"Ctrl",   L"Shift",
-    L"Alt",    L"Break",  L"PageUp", L"PageDown",  L"Home",     L"End",         L"Ins",    L"Del",
-    L"Tab",    L"Esc",    L"Left",   L"Right",     L"Down",     L"OAI",         L"PBMAIN", L"FUNCTION",
-    L"debug",  L"BYTE",   L"WORD",   L"DWORD",     L"QUAD",     L"INTEGER",     L"SINGLE", L"DOUBLE",
-    L"STRING", L"ASCIIZ", L"Space",  L"Backspace", L"Num",      L"ASM",         L"RBP",    L"LONG"};
+    L"KVX",    L"KVXA",     L"KVXB",   L"KVXC",     L"KVXE",     L"KeldorBasic", L"Editor", L"OpenAI",    L"Studio",
+    L"UTF",    L"ANSI",     L"CRLF",   L"Untitled", L"Consolas", L"Ctrl",        L"Shift",  L"Alt",       L"Break",
+    L"PageUp", L"PageDown", L"Home",   L"End",      L"Ins",      L"Del",         L"Tab",    L"Esc",       L"Left",
+    L"Right",  L"Down",     L"OAI",    L"PBMAIN",   L"FUNCTION", L"debug",       L"BYTE",   L"WORD",      L"DWORD",
+    L"QUAD",   L"INTEGER",  L"SINGLE", L"DOUBLE",   L"STRING",   L"ASCIIZ",      L"Space",  L"Backspace", L"Num",
+    L"ASM",    L"RBP",      L"LONG",   L"Enter"};
 
 // Words of at least three Latin letters that are no names. Paths are the user's.
 std::wstring LatinWords(const std::wstring& text) {

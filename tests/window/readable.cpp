@@ -62,6 +62,7 @@ namespace {
 // Strokes of one pixel have at least about three quarters of their contrast.
 constexpr double kThinStroke = 3.3;
 constexpr wchar_t kMenuClass[] = L"#32768";
+constexpr wchar_t kRichEditClass[] = L"RICHEDIT50W";
 
 Rgb SystemRgb(int index) {
     const COLORREF colour = GetSysColor(index);
@@ -89,6 +90,26 @@ std::vector<RECT> DisabledPlaces(const Editor& editor, HWND window) {
     return places;
 }
 
+// Texts in a Rich Edit have the scale of the system, also in a frame on another one.
+std::vector<RECT> PlainScalePlaces(HWND window) {
+    std::vector<RECT> places;
+    for (HWND child = GetWindow(window, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        RECT place = {};
+        GetWindowRect(child, &place);
+        MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+        if (ClassOf(child) == kRichEditClass && IsWindowVisible(child) != FALSE) places.push_back(place);
+    }
+    return places;
+}
+
+bool IsWithin(const PictureWord& word, const std::vector<RECT>& places) {
+    return std::ranges::any_of(
+        places,
+        [&](const RECT& place) {
+            return PtInRect(&place, {word.left + 1, word.top + 1}) != FALSE;
+        });
+}
+
 bool Near(Rgb a, Rgb b) {
     const auto part = [=](int shift) {
         return std::abs(static_cast<int>(a >> shift & 255) - static_cast<int>(b >> shift & 255));
@@ -112,15 +133,14 @@ bool IsOffInMenu(const PictureWord& word) {
 
 int ExpectTextsReadable(const Editor& editor, const std::string& where, HWND window, int line) {
     const std::vector<PictureWord> words = WordsOfPicture(PictureAtRest(window), line);
-    const std::vector<RECT> disabled = DisabledPlaces(editor, window);
+    const std::vector<RECT> disabled = DisabledPlaces(editor, window), plain = PlainScalePlaces(window);
     const bool menu = ClassOf(window) == kMenuClass;
     for (const PictureWord& word : words) {
-        const bool off = std::ranges::any_of(disabled, [&](const RECT& place) {
-            return PtInRect(&place, {word.left + 1, word.top + 1}) != FALSE;
-        });
         // The selection of the system's own controls has the colours of the system.
-        if (off || word.ground == SystemRgb(COLOR_HIGHLIGHT) || (menu && IsOffInMenu(word))) continue;
-        EXPECT_GE(word.contrast, line >= kScaledLine ? kReadableContrast : kThinStroke)
+        if (IsWithin(word, disabled) || word.ground == SystemRgb(COLOR_HIGHLIGHT) || (menu && IsOffInMenu(word)))
+            continue;
+        const bool scaled = line >= kScaledLine && !IsWithin(word, plain);
+        EXPECT_GE(word.contrast, scaled ? kReadableContrast : kThinStroke)
             << where << ": " << word.left << "," << word.top << " " << word.right - word.left << "x"
             << word.bottom - word.top << std::hex << ", " << word.text << " on " << word.ground;
     }
