@@ -62,7 +62,6 @@ namespace {
 // Strokes of one pixel have at least about three quarters of their contrast.
 constexpr double kThinStroke = 3.3;
 constexpr wchar_t kMenuClass[] = L"#32768";
-constexpr wchar_t kRichEditClass[] = L"RICHEDIT50W";
 
 Rgb SystemRgb(int index) {
     const COLORREF colour = GetSysColor(index);
@@ -91,13 +90,16 @@ std::vector<RECT> DisabledPlaces(const Editor& editor, HWND window) {
 }
 
 // Texts in a Rich Edit have the scale of the system, also in a frame on another one.
-std::vector<RECT> PlainScalePlaces(HWND window) {
+std::vector<RECT> PlainScalePlaces(const Editor& editor, HWND window) {
     std::vector<RECT> places;
-    for (HWND child = GetWindow(window, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+    if (window != editor.main) return places;
+    for (const int pane : {IDC_OUTPUT, IDC_ASM, IDC_AI_CHAT}) {
+        const HWND child = editor.Child(pane);
+        if (child == nullptr || IsWindowVisible(child) == FALSE) continue;
         RECT place = {};
         GetWindowRect(child, &place);
         MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
-        if (ClassOf(child) == kRichEditClass && IsWindowVisible(child) != FALSE) places.push_back(place);
+        places.push_back(place);
     }
     return places;
 }
@@ -133,7 +135,7 @@ bool IsOffInMenu(const PictureWord& word) {
 
 int ExpectTextsReadable(const Editor& editor, const std::string& where, HWND window, int line) {
     const std::vector<PictureWord> words = WordsOfPicture(PictureAtRest(window), line);
-    const std::vector<RECT> disabled = DisabledPlaces(editor, window), plain = PlainScalePlaces(window);
+    const std::vector<RECT> disabled = DisabledPlaces(editor, window), plain = PlainScalePlaces(editor, window);
     const bool menu = ClassOf(window) == kMenuClass;
     for (const PictureWord& word : words) {
         // The selection of the system's own controls has the colours of the system.
