@@ -96,7 +96,7 @@ void MainWnd_ApplyTheme() {
     RedrawWindow(g_app.hMainWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
-// The one of the caption, at the DPI of the window's monitor.
+// Loads the caption's icon at the DPI of the window's monitor.
 static void ShowSmallIcon(HWND window) {
     const HANDLE icon = LoadImageW(g_app.hInstance, MAKEINTRESOURCEW(IDI_APP), IMAGE_ICON, UiMetric(SM_CXSMICON),
                                    UiMetric(SM_CYSMICON), 0);

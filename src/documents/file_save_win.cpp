@@ -276,17 +276,24 @@ OutsideAnswer AskAboutChange(DocumentId document) {
 
 enum class SaveNext : std::uint8_t { Saved, NotSaved, Again, OtherName };
 
-// A file that must not be written may be made writable, when the user says so.
-SaveNext AskAboutReadOnly(const wchar_t* path, const std::wstring& told) {
+// Tells a failed save. Returns Again when the user chose `remedy`, the button that removes the cause.
+SaveNext AskAboutRemedy(const std::wstring& told, const wchar_t* remedy) {
     const Answer answer = AskUser({.caption = kProgramCaption,
                                    .text = told.c_str(),
                                    .buttons = AskButtons::YesNoCancel,
                                    .icon = AskIcon::Error,
                                    .inSelftest = Answer::Cancel,
                                    .enterIsNo = true,
-                                   .yes = Text(L"&Make Writable and Save"),
+                                   .yes = remedy,
                                    .no = Text(L"Save &As...")});
-    if (answer != Answer::Yes) return answer == Answer::No ? SaveNext::OtherName : SaveNext::NotSaved;
+    if (answer == Answer::Yes) return SaveNext::Again;
+    return answer == Answer::No ? SaveNext::OtherName : SaveNext::NotSaved;
+}
+
+// A file that must not be written may be made writable, when the user says so.
+SaveNext AskAboutReadOnly(const wchar_t* path, const std::wstring& told) {
+    const SaveNext next = AskAboutRemedy(told, Text(L"&Make Writable and Save"));
+    if (next != SaveNext::Again) return next;
     const std::wstring system = PathExtended(path);
     const DWORD attributes = GetFileAttributesW(system.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES &&
@@ -298,15 +305,8 @@ SaveNext AskAboutReadOnly(const wchar_t* path, const std::wstring& told) {
 
 // A folder that was deleted or renamed may be made again, when the user says so.
 SaveNext AskAboutFolder(const wchar_t* path, const std::wstring& told) {
-    const Answer answer = AskUser({.caption = kProgramCaption,
-                                   .text = told.c_str(),
-                                   .buttons = AskButtons::YesNoCancel,
-                                   .icon = AskIcon::Error,
-                                   .inSelftest = Answer::Cancel,
-                                   .enterIsNo = true,
-                                   .yes = Text(L"&Make Folder and Save"),
-                                   .no = Text(L"Save &As...")});
-    if (answer != Answer::Yes) return answer == Answer::No ? SaveNext::OtherName : SaveNext::NotSaved;
+    const SaveNext next = AskAboutRemedy(told, Text(L"&Make Folder and Save"));
+    if (next != SaveNext::Again) return next;
     return MakeFolder(FolderOf(path)) ? SaveNext::Again : SaveNext::NotSaved;
 }
 
