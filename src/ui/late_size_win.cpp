@@ -35,7 +35,8 @@ struct LateSizes {
     double changed = 0;  // when a pane last began to wait
     UINT_PTR timer = 0;
     UINT_PTR stepTimer = 0;
-    double stepped = -kStillMs;  // when the frame last had another size while it was in view
+    double stepped = -kStillMs;  // when the frame last had another size while it was in view, and that was painted
+    bool frameSteps = false;     // the step that is not painted yet is one of the frame
 };
 LateSizes g_late;
 
@@ -230,11 +231,21 @@ LRESULT CALLBACK LateSizeProc(HWND pane, UINT message, WPARAM wParam, LPARAM lPa
     return SubclassNext(pane, message, wParam, lParam);
 }
 
+// The hand is still for so long after the painting. Counted from the beginning of a step, a step that takes longer than
+// that would end its own drag: every pane would be told each size, and the steps would take longer still.
+void EndStep(double allowance) {
+    if (!g_late.pace.running) return;
+    const double now = ClockMs();
+    DragStepEnds(g_late.pace, now, allowance);
+    if (g_late.timer != 0) g_late.changed = now;
+    if (std::exchange(g_late.frameSteps, false)) g_late.stepped = now;
+}
+
 // Where another loop than the program's own runs, as while the frame is dragged, a timer comes after the painting.
-void CALLBACK EndStep(HWND, UINT, UINT_PTR, DWORD) {
+void CALLBACK OnStepTimer(HWND, UINT, UINT_PTR, DWORD) {
     KillTimer(nullptr, g_late.stepTimer);
     g_late.stepTimer = 0;
-    DragStepEnds(g_late.pace, ClockMs(), kTimerMs);
+    EndStep(kTimerMs);
 }
 
 }  // namespace
@@ -258,12 +269,15 @@ bool SizeWaitsWithFrame(void (*later)()) {
 
 void SizeStepBegins() {
     DragStepBegins(g_late.pace, ClockMs());
-    if (g_late.stepTimer == 0) g_late.stepTimer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, EndStep);
+    if (g_late.stepTimer == 0) g_late.stepTimer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, OnStepTimer);
 }
 
 void SizeStepPaint(HWND frame) {
-    if (ClockMs() - g_late.stepped <= kStillMs) SizeStepPaintNow(frame);
-    if (IsWindowVisible(frame) != FALSE) g_late.stepped = ClockMs();
+    if (IsWindowVisible(frame) == FALSE) return;
+    const bool drag = ClockMs() - g_late.stepped <= kStillMs;
+    g_late.stepped = ClockMs();
+    g_late.frameSteps = true;
+    if (drag) SizeStepPaintNow(frame);
 }
 
 void SizeStepPaintNow(HWND frame) {
@@ -271,4 +285,4 @@ void SizeStepPaintNow(HWND frame) {
     SizeStepEnds();
 }
 
-void SizeStepEnds() { DragStepEnds(g_late.pace, ClockMs(), 0); }
+void SizeStepEnds() { EndStep(0); }

@@ -25,6 +25,7 @@ struct TabRow {
         bool operator==(const Fitted&) const = default;
     };
     Fitted fitted;
+    int blank = -1;  // pixels around a title, as the control has them; -1: it has to be told, and its height too
     TabSpan shown;
 };
 

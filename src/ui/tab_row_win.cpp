@@ -11,6 +11,8 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <numeric>
+#include <string>
 #include <vector>
 
 namespace {
@@ -48,9 +50,8 @@ RECT TitleRect(const TabRow& row, int index) {
 int TitleCount(const TabRow& row) { return static_cast<int>(row.titles.size()); }
 
 int TitlesWidth(const TabRow& row) {
-    int width = 0;
-    for (const wchar_t* title : row.titles) width += UiTextWidth(title, lstrlenW(title));
-    return width;
+    const std::vector<int> widths = UiTextWidths(std::vector<std::wstring>(row.titles.begin(), row.titles.end()));
+    return std::accumulate(widths.begin(), widths.end(), 0);
 }
 
 void PaintTabRow(const TabRow& row) {
@@ -128,6 +129,14 @@ void TabRowSelect(const TabRow& row, int index) {
 
 int TabRowHeight() { return UiScaled(kRowHeight); }
 
+// The control lays out its tabs again at each telling.
+static void TellBlank(TabRow& row, int pixels) {
+    if (row.blank == pixels) return;
+    row.blank = pixels;
+    SendMessageW(row.tabs, TCM_SETPADDING, 0, MAKELPARAM(pixels, 0));
+    SendMessageW(row.tabs, TCM_SETITEMSIZE, 0, MAKELPARAM(0, UiScaled(kTabHeight)));
+}
+
 void TabRowPlace(TabRow& row, int width) {
     const TabRow::Fitted fitted = {width, TitlesWidth(row), TabRowSelected(row)};
     if (fitted == row.fitted) return;
@@ -138,8 +147,7 @@ void TabRowPlace(TabRow& row, int width) {
                                  .edges = UiScaled(kControlEdges),
                                  .more = UiScaled(kMoreWidth)};
     const TabRowWidth whole = FitTabRow(width, fitted.titles, TitleCount(row), limits);
-    SendMessageW(row.tabs, TCM_SETPADDING, 0, MAKELPARAM(whole.blank.pixels, 0));
-    SendMessageW(row.tabs, TCM_SETITEMSIZE, 0, MAKELPARAM(0, UiScaled(kTabHeight)));
+    TellBlank(row, whole.blank.pixels);
     SetWindowPos(row.tabs, nullptr, 0, 0, whole.control, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     std::vector<TabExtent> tabs;
     for (int i = 0; i < TitleCount(row); ++i) {
@@ -158,6 +166,7 @@ void TabRowPlace(TabRow& row, int width) {
 void TabRowApplyTheme(TabRow& row) {
     SendMessageW(row.tabs, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     row.fitted = {};
+    row.blank = -1;
 }
 
 void TabRowDrawMore(const DRAWITEMSTRUCT& draw) {
