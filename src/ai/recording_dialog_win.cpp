@@ -14,6 +14,7 @@
 #include "base/wide_format.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
+#include "ui/accessible.h"
 #include "ui/dialog_theme.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
@@ -248,6 +249,7 @@ void OnRecordingInit(HWND dialog, LPARAM lParam) {
     SetWindowLongPtrW(dialog, DWLP_USER, lParam);
     Recording& recording = RecordingOf(dialog);
     DialogApplyTheme(dialog);
+    AccessibleNameSet(GetDlgItem(dialog, IDC_RECORDING_LEVEL), Text(L"Sound level"));
     recording.enterHeld = GetAsyncKeyState(VK_RETURN) < 0;
     ShowState(dialog, Text(L"Opening the microphone..."));
     SetDlgItemTextW(

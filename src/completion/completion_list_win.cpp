@@ -2,8 +2,10 @@
 #include "completion/completion_list.h"
 
 #include "base/log.h"
+#include "base/texts.h"
 #include "completion/completion_images.h"
 #include "scintilla/sci.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/dpi.h"
 #include "ui/paint.h"
@@ -83,18 +85,18 @@ int WantedWidth() {
 void DrawRow(HDC dc, std::size_t row, RECT area) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const bool selected = row == g_wordList.selected;
-    const COLORREF back = selected ? chrome.selected : chrome.paneBack;
+    const COLORREF back = selected ? ThemeSelectedBack(true) : chrome.paneBack;
     FillArea(dc, area, back);
     CompletionImageDraw(dc, {area.left + UiScaled(2), area.top + UiScaled(1)}, g_wordList.rowHeight - UiScaled(2),
                         g_wordList.content.kind(row), back);
     area.left += g_wordList.rowHeight + UiScaled(kPadding);
     area.right -= UiScaled(kPadding + kBarWidth);
     const std::wstring text = g_wordList.content.text(row), detail = g_wordList.content.detail(row);
-    SetTextColor(dc, chrome.paneText);
+    SetTextColor(dc, ThemeInkOn(back, chrome.paneText));
     DrawTextW(dc, text.c_str(), -1, &area, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
     area.left += TextWidth(dc, text) + UiScaled(kGap);
     if (detail.empty() || area.left >= area.right) return;
-    SetTextColor(dc, ThemeQuietText());
+    SetTextColor(dc, ThemeInkOn(back, ThemeQuietText()));
     DrawTextW(dc, detail.c_str(), -1, &area, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS | DT_RIGHT);
 }
 
@@ -163,8 +165,29 @@ void OnListClick(int y) {
     g_wordList.content.chosen(row);
 }
 
+// What a screen reader hears of a row.
+std::wstring NameOfRow(int row) {
+    const auto at = static_cast<std::size_t>(row);
+    if (at >= g_wordList.content.count) return {};
+    const std::wstring detail = g_wordList.content.detail(at);
+    return g_wordList.content.text(at) + (detail.empty() ? L"" : L", " + detail);
+}
+
+// The list never has the keyboard, so that no change of focus tells which row is selected.
+void TellSelected() {
+    const auto child = static_cast<LONG>(g_wordList.selected) + 1;
+    NotifyWinEvent(EVENT_OBJECT_SELECTION, g_wordList.window, static_cast<LONG>(OBJID_CLIENT), child);
+}
+
+LRESULT OnListGetObject(HWND window, WPARAM wParam, LPARAM lParam) {
+    return AccessibleAnswer(window, wParam, lParam, Text(L"Completion"),
+                            DefWindowProcW(window, WM_GETOBJECT, wParam, lParam),
+                            {static_cast<int>(g_wordList.content.count), NameOfRow});
+}
+
 LRESULT CALLBACK WordListProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
+        case WM_GETOBJECT: return OnListGetObject(window, wParam, lParam);
         case WM_PAINT: PaintWordList(window); return 0;
         case WM_ERASEBKGND: return 1;
         case WM_MOUSEACTIVATE: return MA_NOACTIVATE;
@@ -222,6 +245,7 @@ bool WordListShow(HWND editor, LRESULT position, WordListContent content) {
         SetWindowPos(g_wordList.window, HWND_TOP, wanted.left, wanted.top, wanted.right - wanted.left,
                      wanted.bottom - wanted.top, SWP_NOACTIVATE | SWP_SHOWWINDOW | SWP_NOOWNERZORDER);
     InvalidateRect(g_wordList.window, nullptr, FALSE);
+    TellSelected();
     return true;
 }
 
@@ -240,6 +264,7 @@ void WordListMove(int rows) {
     g_wordList.selected = static_cast<std::size_t>(selected);
     const auto top = static_cast<int>(g_wordList.top), sight = static_cast<int>(RowsInSight());
     Scroll(selected < top ? selected - top : selected >= top + sight ? selected - top - sight + 1 : 0);
+    TellSelected();
 }
 
 int WordListPage() { return kMostRows - 1; }

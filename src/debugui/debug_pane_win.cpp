@@ -182,6 +182,7 @@ void SelectView(DebugTab tab) {
     SetWindowTextW(g_frame.address, g_frame.addresses[static_cast<std::size_t>(tab)].c_str());
     SendMessageW(g_frame.address, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(Text(PaneCurrentView().addressCue)));
     InvalidateRect(g_frame.address, nullptr, TRUE);  // Wine does not erase the old cue
+    AccessibleNameSet(g_frame.list.window, Text(PaneCurrentView().title));
     if (ShowsList()) ListViewShow(g_frame.list, *PaneCurrentView().list);
     if (IsPaneVisible())
         RefreshPane();  // at once, so that the rows of an earlier stop never show
@@ -220,8 +221,16 @@ void OnPaneShown(const WINDOWPOS& position) {
     if ((position.flags & SWP_SHOWWINDOW) != 0 && g_frame.tabs.tabs != nullptr) DebugPaneInvalidate();
 }
 
+// The pane's text is its hint, which says why a view is empty.
+LRESULT OnPaneGetObject(HWND window, WPARAM wParam, LPARAM lParam) {
+    const std::wstring& hint = ShownContent().hint;
+    const std::wstring name = Text(L"Debug") + (hint.empty() ? L"" : L": " + hint);
+    return AccessibleAnswer(window, wParam, lParam, name, DefWindowProcW(window, WM_GETOBJECT, wParam, lParam));
+}
+
 LRESULT CALLBACK DebugPaneProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
+        case WM_GETOBJECT: return OnPaneGetObject(window, wParam, lParam);
         case WM_SIZE: OnPaneSized(); return 0;
         case WM_WINDOWPOSCHANGED: OnPaneShown(*reinterpret_cast<const WINDOWPOS*>(lParam)); break;
         case WM_SETFOCUS: PaneFocusView(); return 0;
@@ -259,8 +268,7 @@ bool CreatePaneChildren() {
     if (!ListViewCreate(g_frame.list, g_frame.pane, IDC_DEBUG_LIST)) return false;
     g_frame.memory = PaneMemoryCreate(g_frame.pane);
     g_frame.address = PaneAddressCreate(g_frame.pane);
-    AccessibleNameSet(g_frame.list.window, Text(L"Debug View"));
-    AccessibleNameSet(g_frame.memory, Text(L"Memory"));
+    AccessibleNameAdd(g_frame.memory, Text(L"Memory"));
     AccessibleNameSet(g_frame.address, Text(L"Address"));
     return g_frame.memory != nullptr && g_frame.address != nullptr &&
            TabRowCreate(g_frame.tabs, g_frame.pane, IDC_DEBUG_TABS, IDC_DEBUG_MORE);

@@ -440,7 +440,7 @@ bool MakeChildren() {
     column.mask = LVCF_WIDTH;
     ListSend(LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
     SubclassAdd(g_filesPane.list, FilesListProc);
-    AccessibleNameSet(g_filesPane.list, Text(L"Search Results"));
+    AccessibleNameSet(g_filesPane.list, Text(L"Hits"));
     for (const int id : kFilesButtons) {
         const HWND button = MakeChild(WC_BUTTONW, BS_PUSHBUTTON, id);
         if (button == nullptr) return false;

@@ -10,6 +10,7 @@
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 #include "settingsui/settings_preview.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/clipboard.h"
 #include "ui/control_theme.h"
@@ -112,6 +113,7 @@ HWND MakeKeyList(const ControlMaker& maker) {
                    WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_USETABSTOPS | LBS_NOINTEGRALHEIGHT | LBS_EXTENDEDSEL,
                    kPartField, WS_EX_CLIENTEDGE);
     SubclassAdd(list, KeyListProc);
+    AccessibleNameSet(list, ::Text(L"Keys"));
     return list;
 }
 
@@ -404,6 +406,7 @@ void SettingsFieldMake(SettingsDialog& dialog, FormPlace place) {
     if (HasLabel(item.control)) parts[kPartLabel] = maker.Make(WC_STATICW, label.c_str(), SS_ENDELLIPSIS, kPartLabel);
     parts[kPartField] = MakeField(maker, item, label);
     parts[kPartButton] = MakeButton(maker, item.control);
+    AccessibleNameAdd(parts[kPartButton], label.c_str());
     SettingsFieldScale(dialog, place);
     if (item.row != nullptr) SendMessageW(parts[kPartField], EM_SETLIMITTEXT, SettingItemLongest(item), 0);
     for (HWND const part : WindowsAt(dialog, place).parts) ControlApplyTheme(part);

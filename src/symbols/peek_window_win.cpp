@@ -326,8 +326,8 @@ bool MakePeek() {
     if (g_peek.window != nullptr) return true;
     if (!WindowClassRegister({.name = kClass, .procedure = PeekProc})) return false;
     g_peek.window =
-        CreateWindowExW(WS_EX_CONTROLPARENT, kClass, L"", WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 0, 0,
-                        g_ui.hMainWnd, reinterpret_cast<HMENU>(INT_PTR{IDC_PEEK}), g_ui.hInstance, nullptr);
+        CreateWindowExW(WS_EX_CONTROLPARENT, kClass, Text(L"Peek"), WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0,
+                        0, 0, g_ui.hMainWnd, reinterpret_cast<HMENU>(INT_PTR{IDC_PEEK}), g_ui.hInstance, nullptr);
     if (g_peek.window != nullptr && MakePeekChildren()) return true;
     AppLogMsg(L"FAIL: MakePeek error=%lu", GetLastError());
     if (g_peek.window != nullptr) DestroyWindow(g_peek.window);

@@ -2,6 +2,7 @@
 
 #include "files/libraries.h"
 #include "ui/subclass.h"
+#include "ui/window_text.h"
 
 #include <commctrl.h>
 #include <oleacc.h>
@@ -155,16 +156,22 @@ IAccessible* ObjectOfControl(HWND window, WPARAM wParam, LRESULT usual) {
     return SUCCEEDED(result) ? static_cast<IAccessible*>(object) : nullptr;
 }
 
+bool IsOfClass(HWND window, const wchar_t* name) {
+    wchar_t kind[32] = {};
+    GetClassNameW(window, kind, static_cast<int>(std::size(kind)));
+    return lstrcmpiW(kind, name) == 0;
+}
+
 LRESULT CALLBACK NamedProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR name) {
     const LRESULT result = SubclassNext(window, message, wParam, lParam);
     if (message != WM_GETOBJECT) return result;
-    return AccessibleAnswer(window, wParam, lParam, reinterpret_cast<const wchar_t*>(name), result);
+    std::wstring text = IsOfClass(window, WC_BUTTONW) ? WindowText(window) + L", " : L"";
+    std::erase(text, L'&');
+    return AccessibleAnswer(window, wParam, lParam, text + reinterpret_cast<const wchar_t*>(name), result);
 }
 
 bool TextIsContent(HWND window) {
-    wchar_t kind[32] = {};
-    GetClassNameW(window, kind, static_cast<int>(std::size(kind)));
-    return lstrcmpiW(kind, WC_EDITW) == 0 || lstrcmpiW(kind, MSFTEDIT_CLASS) == 0 || lstrcmpiW(kind, WC_LISTBOXW) == 0;
+    return IsOfClass(window, WC_EDITW) || IsOfClass(window, MSFTEDIT_CLASS) || IsOfClass(window, WC_LISTBOXW);
 }
 
 }  // namespace
@@ -186,7 +193,11 @@ LRESULT AccessibleAnswer(HWND window, WPARAM wParam, LPARAM lParam, const std::w
 void AccessibleNameSet(HWND window, const wchar_t* name) {
     if (window == nullptr) return;
     if (TextIsContent(window))
-        SubclassAdd(window, NamedProc, reinterpret_cast<DWORD_PTR>(name));
+        AccessibleNameAdd(window, name);
     else
         SetWindowTextW(window, name);
+}
+
+void AccessibleNameAdd(HWND window, const wchar_t* name) {
+    if (window != nullptr) SubclassAdd(window, NamedProc, reinterpret_cast<DWORD_PTR>(name));
 }

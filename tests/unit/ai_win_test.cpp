@@ -7,6 +7,7 @@
 #include "base/bounded_text.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
+#include "support/accessible_names.h"
 #include "support/http_server.h"
 
 #include "ui/message.h"
@@ -216,6 +217,7 @@ void CALLBACK PressButtons(HWND, UINT, UINT_PTR, DWORD) {
     const int button = g_presses.front().button;
     g_presses.erase(g_presses.begin());
     if (IsWindowEnabled(GetDlgItem(dialog, button)) == FALSE) ADD_FAILURE() << "disabled";
+    ExpectNamed("recording", dialog);
     SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
 }
 

@@ -2,6 +2,7 @@
 // whether the pictures of the toolbar can be seen. Both themes.
 #include "readable.h"
 #include "recovery_driver.h"
+#include "support/accessible_names.h"
 #include "support/text_contrast.h"
 
 #include "commands/toolbar_table.h"
@@ -31,10 +32,11 @@ protected:
     }
 };
 
-// A dialog with more than `least` words; its scale is that of the system.
+// A dialog with more than `least` words and a name for each control; its scale is that of the system.
 void ExpectBox(const Editor& editor, const wchar_t* title, int least, int button) {
     const Dialog dialog = editor.AwaitDialog(title);
     EXPECT_GT(ExpectTextsReadable(editor, Utf8(title), dialog.window), least) << Utf8(title);
+    ExpectNamed(Utf8(title), dialog.window);
     editor.Press(dialog, button);
 }
 
@@ -146,6 +148,7 @@ TEST_P(ContrastOf, BoxesThatAsk) {
             editor.Send(settings.window, WM_COMMAND, MAKEWPARAM(IDC_SETTINGS_PAGES, LBN_SELCHANGE),
                         reinterpret_cast<LPARAM>(pages));
             EXPECT_GT(ExpectTextsReadable(editor, "settings, page " + std::to_string(page), settings.window), 20);
+            ExpectNamed("settings, page " + std::to_string(page), settings.window);
         }
         editor.Press(settings, IDCANCEL);
 
@@ -153,7 +156,7 @@ TEST_P(ContrastOf, BoxesThatAsk) {
             editor.Post(IDM_AI_DO);
             ExpectBox(editor, L"AI Do: Say What to Change", 5, IDCANCEL);
         }
-        ASSERT_TRUE(WaitFor([&] { return KeptTexts(folder).size() == 2; }));
+        ASSERT_TRUE(WaitFor([&] { return KeptTexts(folder).size() == 2; })) << KeptTexts(folder).size();
         Kill(editor);
     }
     Editor editor(folder);

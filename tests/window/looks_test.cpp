@@ -1,96 +1,22 @@
 // What a screen reader says of the frame and of the dialogs.
-#include "harness.h"
+#include "readable.h"
 
-#include <commctrl.h>
-#include <oleacc.h>
-
+#include <algorithm>
 #include <set>
 #include <utility>
 #include <vector>
 
-#include "class_name.h"
+#include "held_control.h"
 #include "resources/ids.h"
+#include "support/accessible_names.h"
 
 namespace {
 
-// What the accessibility interface says of a window.
-class Accessible {
-public:
-    explicit Accessible(HWND window) {
-        void* object = nullptr;
-        if (SUCCEEDED(
-                AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible), &object)))
-            object_ = static_cast<IAccessible*>(object);
-    }
-    ~Accessible() {
-        if (object_ != nullptr) object_->Release();
-    }
-    Accessible(const Accessible&) = delete;
-    Accessible& operator=(const Accessible&) = delete;
-
-    std::wstring Name(LONG child = CHILDID_SELF) const {
-        if (object_ == nullptr) return L"(no object)";
-        VARIANT which = {};
-        which.vt = VT_I4;
-        which.lVal = child;
-        BSTR name = nullptr;
-        const HRESULT result = object_->get_accName(which, &name);
-        std::wstring text = SUCCEEDED(result) && name != nullptr ? name : L"";
-        SysFreeString(name);
-        return text;
-    }
-    std::set<std::wstring> Parts() const {
-        LONG count = 0;
-        if (object_ != nullptr) object_->get_accChildCount(&count);
-        std::set<std::wstring> names;
-        for (LONG child = 1; child <= count; ++child) names.insert(Name(child));
-        return names;
-    }
-
-private:
-    IAccessible* object_ = nullptr;
-};
-
-std::wstring AccessibleName(HWND window) { return Accessible(window).Name(); }
-
-std::vector<HWND> ChildrenOf(HWND parent) {
-    std::vector<HWND> children;
-    EnumChildWindows(
-        parent,
-        [](HWND child, LPARAM list) -> BOOL {
-            reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&children));
-    return children;
-}
-
-// Each window that can be reached by the keyboard, and each bar, has a name, and no two editors or panes have the same.
-void ExpectNamed(const std::string& where, HWND parent) {
-    std::set<std::wstring> seen;
-    for (const HWND child : ChildrenOf(parent)) {
-        const std::wstring kind = ClassOf(child);
-        const bool reached = (GetWindowLongPtrW(child, GWL_STYLE) & WS_TABSTOP) != 0 || GetParent(child) == parent;
-        if (!reached || IsWindowVisible(child) == FALSE || kind == WC_STATICW) continue;
-        if (ClassOf(GetParent(child)) == WC_COMBOBOXW) continue;  // its field has its name
-        std::wstring name = AccessibleName(child);
-        // Wine takes the label before a field for its name, but not that before a list or a combo box, as Windows does.
-        const HWND before = GetWindow(child, GW_HWNDPREV);
-        if (name.empty() && (kind == WC_COMBOBOXW || kind == WC_LISTBOXW) && ClassOf(before) == WC_STATICW)
-            name = AccessibleName(before);
-        EXPECT_FALSE(name.empty()) << where << ": " << Utf8(kind) << " " << GetDlgCtrlID(child);
-        EXPECT_LT(name.size(), 100u) << where << ": a content, not a name: " << Utf8(name.substr(0, 40));
-        EXPECT_TRUE(seen.insert(name).second)
-            << where << ": two are called " << Utf8(name) << ", one is " << Utf8(kind) << " " << GetDlgCtrlID(child);
-    }
-}
-
 TEST(Looks, AScreenReaderHearsANameForEveryControl) {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    const ComScope com;
     ProgramFolder folder;
-    for (const wchar_t* pane : {L"ShowErrorList", L"ShowTerminal", L"ShowOutline"})
-        folder.SetIni(L"Editor", pane, L"1");
-    folder.SetIni(L"Project", L"ShowProjectTree", L"1");
+    for (const wchar_t* pane : {L"ShowErrorList", L"ShowTerminal"}) folder.SetIni(L"Editor", pane, L"1");
+    for (const wchar_t* pane : {L"ShowProjectTree", L"ShowOutline"}) folder.SetIni(L"Project", pane, L"1");
     folder.SetIni(L"AI", L"ShowAISidebar", L"1");
     Editor editor(folder, OpenArgument(folder.Write(L"named.bas", "SUB Main\r\n    PRINT 1\r\nEND SUB\r\n")));
     editor.ShowAt(96, 1250, 860);
@@ -119,6 +45,7 @@ TEST(Looks, AScreenReaderHearsANameForEveryControl) {
                                          {IDM_DEBUG_EXCEPTIONS, L"Exceptions"},
                                          {IDM_DEBUG_PROGRAM, L"Program Arguments"},
                                          {IDM_DEBUG_CONDITIONAL, L"Conditional Breakpoint"},
+                                         {IDM_DEBUG_NAME_PLACE, L"Name a Place"},
                                          {IDM_SYMBOL_RENAME, L"Rename Symbol"},
                                          {IDM_HELP_KEYS, L"Keyboard Map"},
                                          {IDM_PROJECT_NEW, L"New Project"},
@@ -131,14 +58,39 @@ TEST(Looks, AScreenReaderHearsANameForEveryControl) {
         editor.Press(dialog, IDCANCEL);
     }
     editor.Do(IDM_EDIT_UNDO);
-    editor.Do(IDM_QUICK_OPEN);
-    const HWND quick = editor.Child(IDC_QUICK_OPEN);
-    ExpectNamed("quick open", quick);
-    editor.Send(GetDlgItem(quick, IDC_QUICK_FIELD), WM_KEYDOWN, VK_ESCAPE);
+    // What comes up over the frame and goes again, and the pane that no setting shows.
+    for (const auto& [command, id] : {std::pair{IDM_QUICK_OPEN, IDC_QUICK_OPEN},
+                                      {IDM_COMMAND_PALETTE, IDC_QUICK_OPEN},
+                                      {IDM_SYMBOL_REFERENCES, IDC_FILES_PANE},
+                                      {IDM_PEEK_DEFINITION, IDC_PEEK}}) {
+        const std::string where = "command " + std::to_string(command);
+        editor.Sci(SCI_GRABFOCUS);
+        editor.Sci(SCI_GOTOPOS, 5);
+        editor.Do(command);
+        ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(editor.Child(id)) != FALSE; })) << where;
+        ExpectNamed(where, editor.Child(id));
+        if (id == IDC_QUICK_OPEN) editor.Send(editor.Focus(), WM_KEYDOWN, VK_ESCAPE);
+    }
+    ExpectNamed("frame with all that", editor.main);
+    editor.Do(IDM_FILE_NEW);
+    editor.Sci(SCI_GRABFOCUS);
+    editor.Type("P");
+    editor.Do(IDM_EDIT_COMPLETE);
+    const HWND words = AwaitPopup(editor, L"KVXEWordList");
+    EXPECT_EQ(AccessibleName(words), L"Completion");
+    EXPECT_TRUE(std::ranges::any_of(Accessible(words).Parts(),
+                                    [](const std::wstring& row) { return row.starts_with(L"PRINT"); }));
+    editor.Do(IDM_EDIT_UNDO);
+    {
+        const HeldControl control(editor);
+        HeldControl::Press(VK_TAB);
+        ASSERT_TRUE(WaitFor([&] { return editor.Child(IDC_TAB_SWITCHER) != nullptr; }));
+        ExpectNamed("tab switcher", editor.Child(IDC_TAB_SWITCHER));
+    }
+    ASSERT_TRUE(WaitFor([&] { return editor.Child(IDC_TAB_SWITCHER) == nullptr; }));
     editor.Do(IDM_FILE_CLOSE_ALL);
     ASSERT_TRUE(WaitFor([&] { return editor.Child(IDC_START_PAGE) != nullptr; }));
     ExpectNamed("start page", editor.Child(IDC_START_PAGE));
-    CoUninitialize();
 }
 
 }  // namespace

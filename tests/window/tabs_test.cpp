@@ -1,6 +1,7 @@
 // The row of tabs: mouse and keys, order by recent use, names, pins, closing and opening again, the list of all.
 #include "drag_back.h"
 #include "harness.h"
+#include "held_control.h"
 
 #include <commctrl.h>
 
@@ -85,23 +86,6 @@ TEST(Tabs, ByMouseAndKeyboard) {
     EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 0; })) << Utf8(order());
     EXPECT_EQ(editor.Close(), 0u);
 }
-
-// Ctrl stays down while the other keys are pressed, until the end of the scope.
-struct HeldControl {
-    const Editor& editor;
-    explicit HeldControl(const Editor& program) : editor(program) {
-        editor.Foreground();
-        keybd_event(VK_CONTROL, 0, 0, 0);
-        WaitFor([] { return GetAsyncKeyState(VK_CONTROL) < 0; });
-    }
-    ~HeldControl() { keybd_event(VK_CONTROL, 0, KEYEVENTF_KEYUP, 0); }
-    HeldControl(const HeldControl&) = delete;
-    HeldControl& operator=(const HeldControl&) = delete;
-    static void Press(int key) {
-        keybd_event(static_cast<BYTE>(key), 0, 0, 0);
-        keybd_event(static_cast<BYTE>(key), 0, KEYEVENTF_KEYUP, 0);
-    }
-};
 
 TEST(Tabs, WalkByRecentUseAndByNumber) {
     ProgramFolder folder;
