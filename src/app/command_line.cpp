@@ -27,6 +27,8 @@ constexpr SelfTestRow kSelfTestOptions[] = {
     {L"--selftest-kvxb64-debug", English(L"Test KVXB64 DOUBLE IF/ELSE single-step debugging")},
 };
 
+constexpr std::wstring_view kHighContrastOption = L"--high-contrast";
+
 struct OptionRow {
     std::wstring_view name;
     CommandLineAction action;
@@ -40,6 +42,7 @@ constexpr OptionRow kOptions[] = {
     {L"--fontsize", CommandLineAction::SetFontSize, true},
     {L"--detect", CommandLineAction::Detect, false},
     {L"--log", CommandLineAction::Log, false},
+    {kHighContrastOption, CommandLineAction::HighContrast, false},
     {L"--help", CommandLineAction::Help, false},
     {L"-h", CommandLineAction::Help, false},
 };
@@ -168,6 +171,8 @@ EarlyOptions ParseEarlyOptions(std::span<const std::wstring> arguments) {
             early.testModule = "all";
         } else if (word == L"--test-list") {
             early.testList = true;
+        } else if (word == kHighContrastOption) {
+            early.highContrast = true;
         } else if (word.starts_with(L"--selftest-") && IsSelfTestOption(word)) {
             early.selftestTabs = true;
         }

@@ -15,7 +15,8 @@ enum class CommandLineAction : std::uint8_t {
     Detect,       // always the last step
     Log,
     Help,
-    SelfTest,  // text: the option
+    SelfTest,      // text: the option
+    HighContrast,  // known early
 };
 
 struct CommandLineStep {
@@ -42,6 +43,7 @@ struct EarlyOptions {
     bool testMode = false;      // --test MODULE or --test-all
     std::string testModule;     // UTF-8, at most 63 bytes; several are parted by commas
     bool testList = false;      // --test-list
+    bool highContrast = false;  // --high-contrast
     bool selftestTabs = false;  // any known option that begins with "--selftest-"
 };
 EarlyOptions ParseEarlyOptions(std::span<const std::wstring> arguments);

@@ -27,6 +27,7 @@
 #include "settings/settings_store.h"
 #include "symbols/peek_window.h"
 #include "tabs/tab_switcher.h"
+#include "ui/chrome.h"
 #include "ui/message.h"
 #include "ui/mouse_drag.h"
 
@@ -59,6 +60,7 @@ void ParseCommandLineEarly(const char* raw) {
     const EarlyOptions early = ParseEarlyOptions(Arguments(raw));
     g_testMode = early.testMode || early.testList;
     g_testModule = early.testList ? "list" : early.testModule;
+    if (early.highContrast) ThemeAssumeHighContrast();
     g_selftestTabsMode = early.selftestTabs || SelfTestIsChild();
     if (SelfTestIsChild()) SelfTestTellMessages();
 }
@@ -139,7 +141,8 @@ void RunStep(const CommandLineStep& step, std::wstring& problems) {
         case CommandLineAction::Detect: ShowDetectReport(); EndProcess(0);
         case CommandLineAction::Log: ReopenLog(); break;
         case CommandLineAction::Help: TellUser(Text(L"Editor Help"), CommandLineHelp().c_str(), AskIcon::None); break;
-        case CommandLineAction::SelfTest: break;  // they have run
+        case CommandLineAction::SelfTest:             // they have run
+        case CommandLineAction::HighContrast: break;  // the window has its colours
     }
 }
 

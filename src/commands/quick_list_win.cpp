@@ -170,17 +170,19 @@ void DrawQuickRow(HDC dc, int index) {
     area.left = client.left;
     area.right = client.right;
     const bool selected = index == QuickListSelected();
-    FillArea(dc, area, selected ? chrome.selected : chrome.paneBack);
+    const COLORREF back = selected ? ThemeSelectedBack(true) : chrome.paneBack;
+    const auto ink = [back](COLORREF usual) { return ThemeInkOn(back, usual); };
+    FillArea(dc, area, back);
     if (selected) FillArea(dc, {area.left, area.top, area.left + UiScaled(3), area.bottom}, chrome.accent);
     const QuickListRow row = g_list.rowOf(index);
-    const COLORREF quiet = ThemeQuietText();
-    const COLORREF plain = row.extra.enabled ? chrome.paneText : quiet;
+    const COLORREF quiet = ink(ThemeQuietText());
+    const COLORREF plain = row.extra.enabled ? ink(chrome.paneText) : quiet;
     const HGDIOBJ font = GetCurrentObject(dc, OBJ_FONT);
     SetBkMode(dc, TRANSPARENT);
-    DrawMark(dc, area, row.extra.mark, row.extra.mark == QuickMark::Dot ? chrome.accent : plain);
+    DrawMark(dc, area, row.extra.mark, row.extra.mark == QuickMark::Dot ? ink(chrome.accent) : plain);
     area.left += UiScaled(kGutter);
     area.right -= UiScaled(kGap);
-    DrawTexts(dc, area, row, {plain, row.extra.enabled ? chrome.accent : quiet}, quiet);
+    DrawTexts(dc, area, row, {plain, row.extra.enabled ? ink(chrome.accent) : quiet}, quiet);
     SelectObject(dc, font);
 }
 

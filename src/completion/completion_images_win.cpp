@@ -2,11 +2,12 @@
 #include "completion/completion_images.h"
 
 #include "base/handles.h"
+#include "ui/chrome.h"
 #include "ui/paint.h"
-#include "ui/theme_table.h"
 
 #include <cstdint>
 #include <iterator>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -36,9 +37,17 @@ constexpr KindLook kLooks[] = {
 };
 static_assert(std::size(kLooks) == static_cast<std::size_t>(RowKind::Count));
 
+// In the high-contrast mode all squares have one colour, and the letters tell the kinds apart.
+struct ImageColours {
+    std::optional<Rgb> square;
+    Rgb letter = 0xFFFFFF;
+    bool operator==(const ImageColours&) const = default;
+};
+
 // The pixels of all kinds at one size, each as red, green, blue, opacity.
 struct ImageSet {
     int size = 0;
+    ImageColours colours;
     std::vector<unsigned char> images[std::size(kLooks)];
 };
 ImageSet g_images;
@@ -80,7 +89,7 @@ bool IsInside(int x, int y, int size) {
 }
 
 // The pixels of an image as red, green, blue, opacity.
-std::vector<unsigned char> ImageOf(const KindLook& look, const Canvas& canvas, int size) {
+std::vector<unsigned char> ImageOf(const KindLook& look, const ImageColours& colours, const Canvas& canvas, int size) {
     DrawLetter(canvas, size * kFine, look.letter);
     std::vector<unsigned char> image;
     image.reserve(static_cast<std::size_t>(size) * static_cast<std::size_t>(size) * 4);
@@ -92,30 +101,38 @@ std::vector<unsigned char> ImageOf(const KindLook& look, const Canvas& canvas, i
                 inside += IsInside(fineX, fineY, size * kFine) ? 1 : 0;
                 white += static_cast<int>(canvas.pixels[fineY * size * kFine + fineX] & 0xFF);
             }
-            const Rgb colour = ThemeBlend(0xFFFFFF, look.colour, white / (kFine * kFine));
+            const Rgb colour =
+                ThemeBlend(colours.letter, colours.square.value_or(look.colour), white / (kFine * kFine));
             for (const int shift : {16, 8, 0}) image.push_back(static_cast<unsigned char>(colour >> shift & 0xFF));
             image.push_back(static_cast<unsigned char>(inside * 255 / (kFine * kFine)));
         }
     return image;
 }
 
-void MakeImages(int size) {
+ImageColours ColoursNow() {
+    if (!SystemHighContrast()) return {};
+    return {ThemeCurrentChromePalette().paneText, ThemeCurrentChromePalette().paneBack};
+}
+
+void MakeImages(int size, const ImageColours& colours) {
     const Canvas canvas(size * kFine);
     if (canvas.pixels == nullptr) return;
     const UniqueFont font(CreateFontW(-size * kFine * 3 / 4, 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, DEFAULT_CHARSET, 0,
                                       0, ANTIALIASED_QUALITY, 0, L"Segoe UI"));
     const HGDIOBJ before = SelectObject(canvas.dc.Get(), font.Get());
     for (std::size_t kind = 0; kind < std::size(kLooks); ++kind)
-        g_images.images[kind] = ImageOf(kLooks[kind], canvas, size);
+        g_images.images[kind] = ImageOf(kLooks[kind], colours, canvas, size);
     SelectObject(canvas.dc.Get(), before);
     g_images.size = size;
+    g_images.colours = colours;
 }
 
 }  // namespace
 
 void CompletionImageDraw(HDC dc, POINT at, int size, RowKind kind, COLORREF back) {
     if (size <= 0) return;
-    if (g_images.size != size) MakeImages(size);
+    if (const ImageColours colours = ColoursNow(); g_images.size != size || g_images.colours != colours)
+        MakeImages(size, colours);
     if (g_images.size != size) return;
     const std::vector<unsigned char>& image = g_images.images[static_cast<std::size_t>(kind)];
     const Rgb under = static_cast<Rgb>(GetRValue(back) << 16 | GetGValue(back) << 8 | GetBValue(back));

@@ -11,6 +11,7 @@
 #include "language/caret_colour.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
+#include "ui/chrome.h"
 #include "ui/dpi.h"
 #include "ui/late_size.h"
 #include "ui/ui_state.h"
@@ -26,7 +27,7 @@ constexpr DWORD kFallbackStyle = 0x44300144;  // child, clip siblings, scroll ba
 static_assert(kPaneStyle == 0x46010000);
 
 constexpr int kInitialSize = 100;             // pixels, until the layout places the pane
-constexpr COLORREF kChangeColour = 0x00C8FF;  // 0xBBGGRR
+constexpr COLORREF kChangeColour = 0x00C8FF;  // 0xBBGGRR; not in the high-contrast mode
 constexpr int kLineMarginWidth = 50;          // pixels at 96 dpi
 constexpr int kLineMarginPadding = 8;         // pixels at 96 dpi
 
@@ -157,7 +158,8 @@ void ApplyChangeMargin(HWND editor, bool on) {
         SciSend(editor, SCI_SETMARGINWIDTHN, kMarginChanges, width);
     if (!on) return;
     SciSend(editor, SCI_MARKERDEFINE, kMarkChange, SC_MARK_FULLRECT);
-    SciSend(editor, SCI_MARKERSETBACK, kMarkChange, kChangeColour);
+    const COLORREF colour = SystemHighContrast() ? ThemeCurrentChrome().modified : kChangeColour;
+    SciSend(editor, SCI_MARKERSETBACK, kMarkChange, static_cast<LPARAM>(colour));
 }
 
 void MarkModifiedLine(HWND editor, int line) {

@@ -136,6 +136,7 @@ void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path
     DefineDot(editor, kMarkFolded, theme.chrome.error, theme.palette.margin);
     DefineStopAtCondition(editor, theme);
     SendAll(editor, MarginMessages(folding, theme.dpi));
+    ApplyChangeMargin(editor, g_settings.showChangeMargin != 0);
     if (folding) SendAll(editor, FoldMessages(theme));
     ScrollBarsApplyTheme(editor);
 }

@@ -23,6 +23,10 @@ struct TreePalette {
 };
 
 TreePalette PaletteOf(const ThemeChrome& chrome, bool dark) {
+    if (SystemHighContrast()) {
+        const COLORREF ink = chrome.paneText, paper = chrome.paneBack;
+        return {paper, ink, paper, ink, ink, ink, ink, ink, ink, ink};
+    }
     return {.folder = dark ? RGB(0xDC, 0xB6, 0x67) : RGB(0xE8, 0xBC, 0x5A),
             .folderEdge = dark ? RGB(0xB8, 0x8F, 0x3C) : RGB(0xB9, 0x85, 0x1E),
             .paper = chrome.paneBack,

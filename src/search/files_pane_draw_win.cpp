@@ -27,7 +27,7 @@ void DrawPiece(RowPaint& row, std::wstring_view text, COLORREF colour) {
     if (text.empty() || row.area.left >= row.area.right) return;
     SIZE size = {};
     GetTextExtentPoint32W(row.dc, text.data(), static_cast<int>(text.size()), &size);
-    SetTextColor(row.dc, colour);
+    SetTextColor(row.dc, ThemeInkOn(row.back, colour));
     DrawTextW(row.dc, text.data(), static_cast<int>(text.size()), &row.area, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
     row.area.left += size.cx;
 }
@@ -40,9 +40,14 @@ void DrawMarked(RowPaint& row, std::wstring_view text, COLORREF back, COLORREF c
     const RECT mark = {row.area.left, row.area.top + UiScaled(1), std::min(row.area.left + size.cx, row.area.right),
                        row.area.bottom - UiScaled(1)};
     if (mark.left >= mark.right) return;
-    FillArea(row.dc, mark, back);
+    const COLORREF ink = ThemeInkOn(row.back, colour);
+    // A tint of the selection of the high-contrast mode would not suit its text.
+    if (ink == colour)
+        FillArea(row.dc, mark, back);
+    else
+        FrameArea(row.dc, mark, ink);
     DrawPiece(row, text, colour);
-    if (struckOut) FillArea(row.dc, {mark.left, middle, mark.right, middle + std::max(UiScaled(1), 1)}, colour);
+    if (struckOut) FillArea(row.dc, {mark.left, middle, mark.right, middle + std::max(UiScaled(1), 1)}, ink);
 }
 
 void DrawTickBox(HDC dc, int left, int middle, bool ticked, bool partly, COLORREF colour) {
@@ -60,19 +65,20 @@ void DrawTickBox(HDC dc, int left, int middle, bool ticked, bool partly, COLORRE
 
 void DrawFileRow(RowPaint row, const ResultFile& file, const FilesRowPlaces& places) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
+    const COLORREF ink = ThemeInkOn(row.back, chrome.paneText);
     const int middle = (row.area.top + row.area.bottom) / 2;
     const int left = row.area.left + UiScaled(6), arm = UiScaled(4);
     if (file.folded)
-        DrawTriangle(row.dc, {{left, middle - arm}, {left, middle + arm}, {left + arm, middle}}, chrome.paneText);
+        DrawTriangle(row.dc, {{left, middle - arm}, {left, middle + arm}, {left + arm, middle}}, ink);
     else
         DrawTriangle(row.dc,
                      {{left - 1, middle - 2}, {left + 2 * arm - 1, middle - 2}, {left + arm - 1, middle + arm - 2}},
-                     chrome.paneText);
+                     ink);
     const auto ticked = static_cast<std::size_t>(std::ranges::count(file.ticked, true));
     const auto open =
         file.hits.size() - static_cast<std::size_t>(std::ranges::count(file.hits, true, &FileHit::replaced));
     if (places.tick < places.text && open > 0)
-        DrawTickBox(row.dc, places.tick, middle, ticked == open, ticked > 0, chrome.paneText);
+        DrawTickBox(row.dc, places.tick, middle, ticked == open, ticked > 0, ink);
     row.area.left = places.text;
     SelectObject(row.dc, UiFont());
     const std::size_t slash = file.label.rfind(L'\\') + 1;  // npos + 1 is 0
@@ -104,7 +110,7 @@ void DrawHitRow(RowPaint row, const ResultFile& file, std::size_t index, const F
     const FileHit hit = FilesHitNow(file, index, &gone);
     if (places.tick < places.text && !hit.replaced)
         DrawTickBox(row.dc, places.tick, (row.area.top + row.area.bottom) / 2, file.ticked[index], false,
-                    ThemeQuietText());
+                    ThemeInkOn(row.back, ThemeQuietText()));
     SelectObject(row.dc, UiFixedFont());
     std::wstring number = std::to_wstring(hit.line + 1);
     number.insert(0, kLineDigits - std::min(number.size(), kLineDigits), L' ');
@@ -137,7 +143,7 @@ void DrawResultRow(HDC dc, int index) {
     const bool selected =
         SendMessageW(g_filesPane.list, LVM_GETITEMSTATE, static_cast<WPARAM>(index), LVIS_SELECTED) != 0;
     const bool focused = GetFocus() == g_filesPane.list;
-    const COLORREF back = !selected ? chrome.paneBack : focused ? chrome.selected : chrome.hover;
+    const COLORREF back = selected ? ThemeSelectedBack(focused) : chrome.paneBack;
     FillArea(dc, bounds, back);
     if (selected && focused)
         FillArea(dc, {bounds.left, bounds.top, bounds.left + UiScaled(2), bounds.bottom}, chrome.accent);

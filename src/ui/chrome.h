@@ -38,6 +38,10 @@ bool ThemeDrawsDark();  // and in the dark theme: what the system draws, such as
 // Lines of output get colours that can be read on their pane, instead of the usual ones.
 bool OutputIsReadable();
 COLORREF ThemeQuietText();
+// The ground of a selected row, and the colour of what is drawn on a ground: `usual` but on the selection of the
+// high-contrast mode, which is the system's and has one colour for all.
+COLORREF ThemeSelectedBack(bool focused);
+COLORREF ThemeInkOn(COLORREF ground, COLORREF usual);
 
 // The present colours as 0xRRGGBB. Both references stay valid; their colours change with the theme.
 const EditorPalette& ThemeCurrentPalette();
@@ -49,3 +53,5 @@ bool SystemHighContrast();
 void ThemeUseSystem(const SystemLook& look);
 const SystemLook& ThemeUsedSystem();
 SystemLook ThemeReadSystem();  // asks the system
+// The mode counts as on from now on, in the colours that the system has: for systems that cannot switch it on.
+void ThemeAssumeHighContrast();

@@ -12,6 +12,7 @@ constexpr int kThemeDark = 1;
 constexpr int kOwnStyle = 0;
 
 struct {
+    bool assumed = false;            // the mode, whatever the system says
     std::optional<SystemLook> look;  // no value: the system was not asked yet
     // The colours of the high-contrast mode.
     ChromePalette chrome;
@@ -36,7 +37,7 @@ SystemLook ThemeReadSystem() {
     contrast.cbSize = sizeof(contrast);
     const bool on = SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0) != FALSE &&
                     (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
-    return {.highContrast = on,
+    return {.highContrast = on || g_system.assumed,
             .colours = {.window = RgbOfSystem(COLOR_WINDOW),
                         .windowText = RgbOfSystem(COLOR_WINDOWTEXT),
                         .face = RgbOfSystem(COLOR_BTNFACE),
@@ -51,6 +52,8 @@ void ThemeUseSystem(const SystemLook& look) {
     g_system.chrome = HighContrastChrome(look.colours);
     g_system.style = nullptr;
 }
+
+void ThemeAssumeHighContrast() { g_system.assumed = true; }
 
 const SystemLook& ThemeUsedSystem() { return System(); }
 
@@ -107,3 +110,13 @@ const ThemeChrome& ThemeCurrentChrome() {
 bool OutputIsReadable() { return ThemeIsDark() || g_settings.readableOutput != 0 || SystemHighContrast(); }
 
 COLORREF ThemeQuietText() { return ThemeCurrentChrome().quiet; }
+
+COLORREF ThemeSelectedBack(bool focused) {
+    if (!focused) return ThemeCurrentChrome().hover;
+    return SystemHighContrast() ? ThemeColorRef(System().colours.highlight) : ThemeCurrentChrome().selected;
+}
+
+COLORREF ThemeInkOn(COLORREF ground, COLORREF usual) {
+    const bool selected = SystemHighContrast() && ground == ThemeColorRef(System().colours.highlight);
+    return selected ? ThemeColorRef(System().colours.highlightText) : usual;
+}

@@ -22,8 +22,8 @@ COLORREF ColourOf(ListColour colour) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     switch (colour) {
         case ListColour::Back: return chrome.paneBack;
-        case ListColour::SelectedBack: return chrome.selected;
-        case ListColour::QuietBack: return chrome.hover;
+        case ListColour::SelectedBack: return ThemeSelectedBack(true);
+        case ListColour::QuietBack: return ThemeSelectedBack(false);
         case ListColour::StopBack: return MixColours(chrome.paneBack, chrome.modified, 18);
         case ListColour::Text: return chrome.paneText;
         case ListColour::Quiet: return ThemeQuietText();
@@ -45,7 +45,7 @@ void DrawBox(HDC dc, int left, int middle, bool ticked, COLORREF colour) {
     DrawPolyline(dc, tick, colour, std::max(UiScaled(2), 1));
 }
 
-void DrawListMark(HDC dc, ListMark mark, const RECT& cell, COLORREF colour) {
+void DrawListMark(HDC dc, ListMark mark, const RECT& cell, COLORREF colour, COLORREF back) {
     const int middle = (cell.top + cell.bottom) / 2;
     const int left = cell.left + UiScaled(5);
     const int arm = UiScaled(4);
@@ -61,20 +61,20 @@ void DrawListMark(HDC dc, ListMark mark, const RECT& cell, COLORREF colour) {
             FillDot(dc, {left - UiScaled(1), middle - round, left + 2 * arm + UiScaled(1) + 1, middle + round + 1},
                     colour);
             const int tail = left + UiScaled(2);
-            DrawTriangle(dc, {{tail, middle - UiScaled(3)}, {tail, middle + UiScaled(3)}, {tail + arm, middle}},
-                         ColourOf(ListColour::Back), true);
+            DrawTriangle(dc, {{tail, middle - UiScaled(3)}, {tail, middle + UiScaled(3)}, {tail + arm, middle}}, back,
+                         true);
             break;
         }
         case MarkShape::Error:
         case MarkShape::Warning:
             DrawSeveritySign(dc, {cell.left + UiScaled(4), middle - UiScaled(kSignSize) / 2}, UiScaled(kSignSize),
-                             mark == ListMark::Error, colour, ColourOf(ListColour::Back));
+                             mark == ListMark::Error, colour, back);
             break;
         case MarkShape::Box: DrawBox(dc, left, middle, mark == ListMark::Checked, colour); break;
     }
 }
 
-void DrawCells(const ListView& list, HDC dc, int index, const ListRow& row, int right) {
+void DrawCells(const ListView& list, HDC dc, int index, const ListRow& row, int right, COLORREF back) {
     const HGDIOBJ oldFont = GetCurrentObject(dc, OBJ_FONT);
     const std::span<const ListColumn> columns = list.kind->columns;
     const int count = static_cast<int>(columns.size());
@@ -85,7 +85,7 @@ void DrawCells(const ListView& list, HDC dc, int index, const ListRow& row, int 
         cell.left += ListViewCellPadding();
         cell.right = (i == last ? right : static_cast<int>(cell.right)) - UiScaled(2);
         SelectObject(dc, columns[static_cast<std::size_t>(i)].fixedPitch ? UiFixedFont() : UiFont());
-        SetTextColor(dc, ColourOf(CellColourOf(row, list.content->stale, i, i == count - 1)));
+        SetTextColor(dc, ThemeInkOn(back, ColourOf(CellColourOf(row, list.content->stale, i, i == count - 1))));
         DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &cell, kCellText);
     }
     SelectObject(dc, oldFont);
@@ -105,12 +105,14 @@ void DrawListRow(const ListView& list, HDC dc, int index) {
     line.top = bounds.top;
     line.bottom = bounds.bottom;
     const bool focused = GetFocus() == list.window;
-    FillArea(dc, line, ColourOf(RowBackOf(row, list.content->stale, selected, focused)));
+    const COLORREF back = ColourOf(RowBackOf(row, list.content->stale, selected, focused));
+    FillArea(dc, line, back);
     if (selected && focused)
         FillArea(dc, {line.left, line.top, line.left + UiScaled(2), line.bottom}, ThemeCurrentChrome().accent);
     SetBkMode(dc, TRANSPARENT);
-    if (list.kind->hasMarks) DrawListMark(dc, row.mark, bounds, ColourOf(MarkColourOf(row, list.content->stale)));
-    DrawCells(list, dc, index, row, line.right);
+    const COLORREF mark = ThemeInkOn(back, ColourOf(MarkColourOf(row, list.content->stale)));
+    if (list.kind->hasMarks) DrawListMark(dc, row.mark, bounds, mark, back);
+    DrawCells(list, dc, index, row, line.right, back);
 }
 
 void DrawHeaderCell(const ListKind& kind, const NMCUSTOMDRAW& draw, int column) {

@@ -100,6 +100,8 @@ TEST(CommandLine, EarlyPassFindsTheSelfTests) {
     EXPECT_FALSE(early({L"--selftest"}).selftestTabs);
     EXPECT_EQ(early({L"--test", std::wstring(100, L'm')}).testModule.size(), 63U);
     EXPECT_FALSE(early({L"--test"}).testMode);
+    EXPECT_TRUE(early({L"a.bas", L"--high-contrast"}).highContrast);
+    EXPECT_FALSE(early({L"a.bas"}).highContrast);
     EXPECT_EQ(early({L"--test", L"tabs", L"--test", L"n\u00F6"}).testModule, "tabs,n\u00F6");
     EXPECT_EQ(early({L"--test", std::wstring(62, L'm') + L'\u00F6'}).testModule.size(), 62U) << "no half a character";
 }
