@@ -34,11 +34,11 @@
 #include "tabs/tab_bar.h"
 #include "ui/chrome.h"
 #include "ui/dialog_theme.h"
-#include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/menu.h"
 #include "ui/menu_draw.h"
 #include "ui/panes.h"
+#include "ui/small_icon.h"
 
 #include <commctrl.h>
 
@@ -96,22 +96,11 @@ void MainWnd_ApplyTheme() {
     RedrawWindow(g_app.hMainWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
-// Loads the caption's icon at the DPI of the window's monitor.
-static void ShowSmallIcon(HWND window) {
-    const HANDLE icon = LoadImageW(g_app.hInstance, MAKEINTRESOURCEW(IDI_APP), IMAGE_ICON, UiMetric(SM_CXSMICON),
-                                   UiMetric(SM_CYSMICON), 0);
-    if (icon == nullptr) return;
-    static HICON shown = nullptr;
-    SendMessageW(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon));
-    if (shown != nullptr) DestroyIcon(shown);
-    shown = static_cast<HICON>(icon);
-}
-
 bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     g_app.hInstance = create.hInstance;
     g_app.hMainWnd = window;
     g_app.dpi = static_cast<int>(GetDpiForWindow(window));
-    ShowSmallIcon(window);
+    SmallIconShow(window);
     MainWnd_ConnectEvents();
     InitCommonControls();
     SettingsLoad(nullptr);
@@ -139,7 +128,7 @@ void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested) {
     g_app.dpi = dpi;
     SetWindowPos(window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
                  suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
-    ShowSmallIcon(window);
+    SmallIconShow(window);
     MainWnd_RenewColours();  // the fonts come with them
     SourceMarksRenew();
     RECT client = {};

@@ -52,15 +52,18 @@ bool ApplyPlaceOfSystem(HWND window) {
 // The place of the last run. Its size keeps its meaning on a monitor of another resolution.
 void ApplyStoredPlace(HWND window, const StoredPlace& stored) {
     const PaneRect was = StoredRect(stored);
-    const int captionHeight = GetSystemMetrics(SM_CYCAPTION) + GetSystemMetrics(SM_CYSIZEFRAME);
-    const POINT caption = {was.left + was.width() / 2, was.top + captionHeight / 2};
+    const auto captionAt = [](int dpi) {
+        const auto of = static_cast<UINT>(dpi);
+        return GetSystemMetricsForDpi(SM_CYCAPTION, of) + GetSystemMetricsForDpi(SM_CYSIZEFRAME, of);
+    };
+    const POINT caption = {was.left + was.width() / 2, was.top + captionAt(std::max(stored.dpi, 96)) / 2};
     const auto work = WorkAreaOf(MonitorFromPoint(caption, MONITOR_DEFAULTTONEAREST));
     if (!work) return;
     // Moved there first, because only then the resolution is known.
     const int anywhere = std::clamp(was.left, work->left, std::max(work->left, work->right - 1));
     SetWindowPos(window, nullptr, anywhere, work->top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     g_app.dpi = static_cast<int>(GetDpiForWindow(window));
-    PlaceWindow(window, PlaceForReturnAt(stored, g_app.dpi, *work, captionHeight));
+    PlaceWindow(window, PlaceForReturnAt(stored, g_app.dpi, *work, captionAt(g_app.dpi)));
 }
 
 // The window was created with the default size in pixels, which is too small on a screen of high resolution and may be

@@ -144,8 +144,8 @@ ListClick g_listClick;
 
 bool IsSecondPress(const POINT& place) {
     return GetTickCount() - g_listClick.time <= GetDoubleClickTime() &&
-           std::abs(place.x - g_listClick.place.x) <= GetSystemMetrics(SM_CXDOUBLECLK) &&
-           std::abs(place.y - g_listClick.place.y) <= GetSystemMetrics(SM_CYDOUBLECLK);
+           std::abs(place.x - g_listClick.place.x) <= UiMetric(SM_CXDOUBLECLK) &&
+           std::abs(place.y - g_listClick.place.y) <= UiMetric(SM_CYDOUBLECLK);
 }
 
 LRESULT CALLBACK SecondPressHook(int code, WPARAM message, LPARAM info) {

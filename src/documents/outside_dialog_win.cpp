@@ -19,6 +19,7 @@
 #include "ui/guarded_button.h"
 #include "ui/list_view.h"
 #include "ui/message.h"
+#include "ui/monitor.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
@@ -152,12 +153,6 @@ void TickOutsideRow(int index) {
 constexpr ListKind kOutsideList = {.columns = kColumns, .hasMarks = true, .check = TickOutsideRow};
 
 // --- The dialog
-
-RECT WorkAreaOf(HWND dialog) {
-    MONITORINFO monitor = {.cbSize = sizeof(monitor)};
-    GetMonitorInfoW(MonitorFromWindow(dialog, MONITOR_DEFAULTTONEAREST), &monitor);
-    return monitor.rcWork;
-}
 
 // Makes the dialog higher, or with a negative number lower; the buttons stay at its foot, and its middle where it is as
 // far as the screen allows.

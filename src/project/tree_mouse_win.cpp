@@ -3,6 +3,7 @@
 #include "documents/file_commands.h"
 #include "project/tree_internal.h"
 #include "ui/control_theme.h"
+#include "ui/monitor.h"
 #include "ui/mouse_drag.h"
 #include "ui/ui_state.h"
 
@@ -57,7 +58,8 @@ void CreateTreeTip() {
     tool.uId = reinterpret_cast<UINT_PTR>(TreeWindow());
     tool.lpszText = LPSTR_TEXTCALLBACKW;
     SendMessageW(g_tree.tip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-    SendMessageW(g_tree.tip, TTM_SETMAXTIPWIDTH, 0, GetSystemMetrics(SM_CXSCREEN) / 2);
+    const RECT screen = WorkAreaOf(TreeWindow());
+    SendMessageW(g_tree.tip, TTM_SETMAXTIPWIDTH, 0, (screen.right - screen.left) / 2);
     TooltipApplyTheme(g_tree.tip);
 }
 

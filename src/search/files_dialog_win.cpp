@@ -12,6 +12,7 @@
 #include "settings/settings_state.h"
 #include "ui/accessible.h"
 #include "ui/dialog_theme.h"
+#include "ui/monitor.h"
 #include "ui/path_dialog.h"
 #include "ui/ui_state.h"
 #include "ui/window_text.h"
@@ -218,13 +219,11 @@ void CentreOver(HWND dialog, HWND owner) {
     RECT frame = {}, size = {};
     GetWindowRect(owner, &frame);
     GetWindowRect(dialog, &size);
-    MONITORINFO monitor = {};
-    monitor.cbSize = sizeof(monitor);
-    GetMonitorInfoW(MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &monitor);
+    const RECT work = WorkAreaOf(owner);
     const LONG width = size.right - size.left, height = size.bottom - size.top;
     const LONG left = (frame.left + frame.right - width) / 2, top = (frame.top + frame.bottom - height) / 3;
-    SetWindowPos(dialog, nullptr, std::max(monitor.rcWork.left, std::min(left, monitor.rcWork.right - width)),
-                 std::max(monitor.rcWork.top, std::min(top, monitor.rcWork.bottom - height)), 0, 0,
+    SetWindowPos(dialog, nullptr, std::max(work.left, std::min(left, work.right - width)),
+                 std::max(work.top, std::min(top, work.bottom - height)), 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 

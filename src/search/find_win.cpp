@@ -11,9 +11,11 @@
 #include "search/find_internal.h"
 #include "search/search_state.h"
 #include "settings/settings_state.h"
+#include "ui/dialog_panes.h"
 #include "ui/dialog_theme.h"
 #include "ui/dpi.h"
 #include "ui/guarded_button.h"
+#include "ui/monitor.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
@@ -54,17 +56,11 @@ void SetReplacing(HWND dialog, bool replacing) {
         ShowWindow(GetDlgItem(dialog, control), replacing ? SW_SHOW : SW_HIDE);
     if (replacing == g_find.replacing) return;
     g_find.replacing = replacing;
-    RECT row = {0, 0, 0, kReplaceRowHeight};
-    MapDialogRect(dialog, &row);
-    const int shift = replacing ? row.bottom : -row.bottom;
+    const int row = DialogUnits(dialog, kReplaceRowHeight);
+    const int shift = replacing ? row : -row;
     for (const int control : {IDC_FIND_CASE, IDC_FIND_WORD, IDC_FIND_REGEX, IDC_FIND_SELECTION, IDC_FIND_WRAP,
-                              IDC_FIND_KEEP_CASE, IDC_FIND_STATUS, IDCANCEL}) {
-        RECT place = {};
-        GetWindowRect(GetDlgItem(dialog, control), &place);
-        MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-        SetWindowPos(GetDlgItem(dialog, control), nullptr, place.left, place.top + shift, 0, 0,
-                     SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    }
+                              IDC_FIND_KEEP_CASE, IDC_FIND_STATUS, IDCANCEL})
+        DialogMoveControl(dialog, control, shift);
     RECT frame = {};
     GetWindowRect(dialog, &frame);
     SetWindowPos(dialog, nullptr, 0, 0, frame.right - frame.left, frame.bottom - frame.top + shift,
@@ -111,13 +107,9 @@ void PlaceFindDialog(HWND dialog, HWND owner) {
     const LONG width = size.right - size.left, height = size.bottom - size.top;
     LONG left = std::max(frame.left, frame.right - width - margin);
     LONG top = frame.top + 4 * margin;
-    MONITORINFO monitor = {};
-    monitor.cbSize = sizeof(monitor);
-    if (GetMonitorInfoW(MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &monitor)) {
-        const RECT& work = monitor.rcWork;  // a part of the owner may be outside of it
-        left = std::max(work.left, std::min(left, work.right - width));
-        top = std::max(work.top, std::min(top, work.bottom - height));
-    }
+    const RECT work = WorkAreaOf(owner);  // a part of the owner may be outside of it
+    left = std::max(work.left, std::min(left, work.right - width));
+    top = std::max(work.top, std::min(top, work.bottom - height));
     SetWindowPos(dialog, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
@@ -211,11 +203,8 @@ void UncoverMatch(FindSpan match) {
     RECT overlap = {};
     GetWindowRect(g_search.hFindDialog, &dialog);
     if (IntersectRect(&overlap, &dialog, &text) == FALSE) return;
-    MONITORINFO monitor = {};
-    monitor.cbSize = sizeof monitor;
-    GetMonitorInfoW(MonitorFromWindow(g_search.hFindDialog, MONITOR_DEFAULTTONEAREST), &monitor);
-    const int top = DialogTopBesideMatch(text.top, text.bottom, dialog.bottom - dialog.top, monitor.rcWork.top,
-                                         monitor.rcWork.bottom);
+    const RECT work = WorkAreaOf(g_search.hFindDialog);
+    const int top = DialogTopBesideMatch(text.top, text.bottom, dialog.bottom - dialog.top, work.top, work.bottom);
     SetWindowPos(g_search.hFindDialog, nullptr, dialog.left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 

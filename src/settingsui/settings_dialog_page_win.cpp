@@ -85,7 +85,9 @@ FormPlan PlanOf(SettingsDialog& dialog, std::size_t page, SIZE room) {
         return FormLayout(rows, {width, room.cy, dialog.dpi, dialog.textHeight}, noteHeight);
     };
     FormPlan whole = plan(room.cx);
-    return whole.height <= room.cy ? whole : plan(room.cx - GetSystemMetrics(SM_CXVSCROLL));
+    return whole.height <= room.cy
+               ? whole
+               : plan(room.cx - GetSystemMetricsForDpi(SM_CXVSCROLL, static_cast<UINT>(dialog.dpi)));
 }
 
 // The height of a list counts as that of its drop-down, too.

@@ -3,7 +3,10 @@
 #include "settingsui/settings_dialog_internal.h"
 
 #include "base/texts.h"
+#include "ui/dpi.h"
 #include "ui/fonts.h"
+#include "ui/monitor.h"
+#include "ui/small_icon.h"
 
 #include <algorithm>
 
@@ -22,13 +25,6 @@ void PlaceItem(const SettingsDialog& dialog, int id, int left, int top, int widt
     SetWindowPos(GetDlgItem(dialog.window, id), nullptr, left, top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-RECT WorkAreaOf(HWND window) {
-    MONITORINFO monitor = {};
-    monitor.cbSize = sizeof(monitor);
-    GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
-    return monitor.rcWork;
-}
-
 void GiveFont(HWND parent, HFONT font) {
     for (HWND child = GetWindow(parent, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
@@ -40,6 +36,8 @@ void SettingsScaleSet(SettingsDialog& dialog, int dpi) {
     const UniqueFont oldFont = std::move(dialog.font),
                      oldBold = std::move(dialog.bold);  // in use until the new ones are
     dialog.dpi = dpi;
+    WindowDpiKeep(dialog.window, dpi);
+    SmallIconShow(dialog.window);  // without one a dialog whose size can change shows an icon of the system
     dialog.font.Reset(UiMakeTextFont(dpi));
     LOGFONTW description = {};
     GetObjectW(dialog.font.Get(), sizeof(description), &description);

@@ -11,6 +11,7 @@
 #include "ui/accessible.h"
 #include "ui/dialog_theme.h"
 #include "ui/message.h"
+#include "ui/small_icon.h"
 #include "ui/ui_state.h"
 #include "ui/window_text.h"
 
@@ -245,12 +246,8 @@ void OnSettingsCommand(SettingsDialog& dialog, int id, int notification) {
 void OpenSettings(HWND window, SettingsDialog& dialog) {
     SetWindowLongPtrW(window, DWLP_USER, reinterpret_cast<LONG_PTR>(&dialog));
     dialog.window = window;
-    SettingsScaleSet(dialog, g_ui.dpi);
-    // Without one a dialog whose size can change shows an icon of the system.
-    const HANDLE icon = LoadImageW(g_ui.hInstance, MAKEINTRESOURCEW(IDI_APP), IMAGE_ICON, GetSystemMetrics(SM_CXSMICON),
-                                   GetSystemMetrics(SM_CYSMICON), LR_SHARED);
-    SendMessageW(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon));
     DialogApplyTheme(window);
+    SettingsScaleSet(dialog, g_ui.dpi);
     SettingsDialogPlace(dialog);
     SettingsFramePlace(dialog);
     ListPages(dialog);
@@ -312,6 +309,7 @@ INT_PTR CALLBACK SettingsDlgProc(HWND window, UINT message, WPARAM wParam, LPARA
             return TRUE;
         case WM_DESTROY:
             g_openDialog = nullptr;
+            SmallIconDrop(window);
             CloseSettings(dialog);
             return TRUE;
         default: return FALSE;

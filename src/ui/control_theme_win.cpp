@@ -163,11 +163,12 @@ void DrawFrame(HWND control) {
     const bool sunken = (GetWindowLongPtrW(control, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0;
     const HDC dc = GetWindowDC(control);
     if (dc == nullptr) return;
+    const DpiScope scope(control);
     RECT frame = {};
     GetWindowRect(control, &frame);
     OffsetRect(&frame, -frame.left, -frame.top);
     FrameArea(dc, frame, HasFocus(control) ? chrome.accent : ControlEdge());
-    for (int edge = sunken ? GetSystemMetrics(SM_CXEDGE) : GetSystemMetrics(SM_CXBORDER); edge > 1; --edge) {
+    for (int edge = UiMetric(sunken ? SM_CXEDGE : SM_CXBORDER); edge > 1; --edge) {
         InflateRect(&frame, -1, -1);
         FrameArea(dc, frame, chrome.paneBack);
     }
@@ -177,6 +178,7 @@ void DrawFrame(HWND control) {
 // ----------------------------------------------------------------------------------------------------- the subclass
 
 void PaintControl(HWND control, ControlKind kind) {
+    const DpiScope scope(control);
     switch (kind) {
         case kPushButton: PaintPushButton(control); break;
         case kBox: PaintBox(control); break;

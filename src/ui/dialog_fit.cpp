@@ -1,6 +1,8 @@
 #include "ui/dialog_fit.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <vector>
 
 int FitDialogHeight(std::span<FitPart> parts, int excess, int least) {
     int taken = 0;
@@ -21,13 +23,35 @@ int FitDialogHeight(std::span<FitPart> parts, int excess, int least) {
     return taken;
 }
 
+namespace {
+
+// Which parts move by `excess`: those beyond the middle, and those before them that would be covered.
+std::vector<bool> MovedParts(std::span<const FitPart> parts, int middle, int excess) {
+    std::vector<bool> moved;
+    for (const FitPart& part : parts) moved.push_back(part.rigid && part.start > middle);
+    const auto covers = [&](const FitPart& mover, const FitPart& part) {
+        return mover.start >= part.end && mover.start - excess < part.end && mover.rowStart < part.rowEnd &&
+               mover.rowEnd > part.rowStart;
+    };
+    for (bool more = true; more;) {
+        more = false;
+        for (std::size_t i = 0; i < parts.size(); ++i)
+            for (std::size_t j = 0; !moved[i] && parts[i].rigid && j < parts.size(); ++j)
+                if (moved[j] && covers(parts[j], parts[i])) more = moved[i] = true;
+    }
+    return moved;
+}
+
+}  // namespace
+
 void FitDialogWidth(std::span<FitPart> parts, int width, int excess) {
     int edge = 0;
     for (const FitPart& part : parts) edge = std::max(edge, part.end);
-    for (FitPart& part : parts) {
-        const bool moves = part.rigid && part.start > width / 2;
-        if (moves) part.start -= excess;
-        part.end = moves ? part.end - excess : std::max(part.start, std::min(part.end, edge - excess));
+    const std::vector<bool> moved = MovedParts(parts, width / 2, excess);
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        FitPart& part = parts[i];
+        if (moved[i]) part.start -= excess;
+        part.end = moved[i] ? part.end - excess : std::max(part.start, std::min(part.end, edge - excess));
     }
 }
 

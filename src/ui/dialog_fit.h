@@ -7,14 +7,16 @@
 struct FitPart {
     int start = 0, end = 0;
     bool rigid = false;  // keeps its length: a button, a check box, a text
+    // The same along the other axis, which tells what stands in one row.
+    int rowStart = 0, rowEnd = 0;
 };
 
 // Takes up to `excess` pixels from the dialog's height. The highest control that is not rigid gives them, but keeps
 // `least`; what begins below it moves up. When it cannot give enough, the next one gives the rest. Returns what was
 // taken.
 int FitDialogHeight(std::span<FitPart> parts, int excess, int least);
-// Takes `excess` pixels from the dialog's width, which is `width` now: rigid parts in the right half move, and others
-// that would stick out become shorter.
+// Takes `excess` pixels from the dialog's width, which is `width` now: rigid parts in the right half move, with those of
+// the same row over which they would come to lie; and others that would stick out become shorter.
 void FitDialogWidth(std::span<FitPart> parts, int width, int excess);
 
 // A control that has a text, along one axis.

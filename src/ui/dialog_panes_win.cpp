@@ -4,6 +4,7 @@
 #include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
+#include "ui/dialog_scale.h"
 #include "ui/rich_lines.h"
 #include "ui/subclass.h"
 
@@ -42,11 +43,7 @@ void DialogPutInPlace(HWND dialog, int placeholder, HWND window) {
     DestroyWindow(text);
 }
 
-int DialogUnits(HWND dialog, int units) {
-    RECT area = {0, 0, 0, units};
-    MapDialogRect(dialog, &area);
-    return static_cast<int>(area.bottom);
-}
+int DialogUnits(HWND dialog, int units) { return static_cast<int>(DialogPixels(dialog, 0, units).cy); }
 
 void DialogMoveControl(HWND dialog, int control, int by) {
     const HWND window = GetDlgItem(dialog, control);

@@ -1,7 +1,8 @@
 #include "ui/dialog_screen.h"
 
 #include "ui/dialog_fit.h"
-
+#include "ui/dialog_scale.h"
+#include "ui/monitor.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
@@ -35,11 +36,7 @@ RECT PlaceIn(HWND dialog, HWND control) {
     return place;
 }
 
-int UnitsOf(HWND dialog, int units) {
-    RECT area = {0, 0, 0, units};
-    MapDialogRect(dialog, &area);
-    return area.bottom;
-}
+int UnitsOf(HWND dialog, int units) { return static_cast<int>(DialogPixels(dialog, 0, units).cy); }
 
 // The edge of the box is not part of its item's height.
 void SetComboHeight(HWND combo, int height) {
@@ -77,11 +74,7 @@ constexpr int kLeastGap = 4;     // between two controls of a row
 
 enum class TextKind { None, Line, Paragraph, Check, Push };
 
-int AcrossUnits(HWND dialog, int units) {
-    RECT area = {0, 0, units, 0};
-    MapDialogRect(dialog, &area);
-    return area.right;
-}
+int AcrossUnits(HWND dialog, int units) { return static_cast<int>(DialogPixels(dialog, units, 0).cx); }
 
 // The size of a control's text, in lines of at most `width`; 0: in one line.
 SIZE TextSizeOf(HWND control, int width) {
@@ -151,8 +144,8 @@ void ShrinkDialog(HWND dialog, SIZE less) {
         const RECT place = PlaceIn(dialog, control);
         places.push_back(place);
         const bool combo = IsControlOf(control, WC_COMBOBOXW) || IsControlOf(control, WC_EDITW);
-        across.push_back({place.left, place.right, IsRigid(control) && !combo});
-        down.push_back({place.top, place.bottom, IsRigid(control)});
+        across.push_back({place.left, place.right, IsRigid(control) && !combo, place.top, place.bottom});
+        down.push_back({place.top, place.bottom, IsRigid(control), place.left, place.right});
     }
     RECT client = {}, whole = {};
     GetClientRect(dialog, &client);
@@ -209,17 +202,20 @@ void DialogFitTexts(HWND dialog) {
     if (grown.cx > 0 || grown.cy > 0) GrowWindow(dialog, grown);
 }
 
-void DialogFitScreen(HWND dialog) {
-    MONITORINFO monitor = {.cbSize = sizeof(monitor)};
+void DialogFitSize(HWND dialog) {
+    const RECT work = WorkAreaOf(dialog);
     RECT place = {};
-    if (!GetMonitorInfoW(MonitorFromWindow(dialog, MONITOR_DEFAULTTONEAREST), &monitor) ||
-        !GetWindowRect(dialog, &place))
-        return;
-    const RECT& work = monitor.rcWork;
+    if (IsRectEmpty(&work) || !GetWindowRect(dialog, &place)) return;
     const SIZE less = {(place.right - place.left) - (work.right - work.left),
                        (place.bottom - place.top) - (work.bottom - work.top)};
     if (less.cx > 0 || less.cy > 0) ShrinkDialog(dialog, less);
-    GetWindowRect(dialog, &place);
+}
+
+void DialogFitScreen(HWND dialog) {
+    DialogFitSize(dialog);
+    const RECT work = WorkAreaOf(dialog);
+    RECT place = {};
+    if (IsRectEmpty(&work) || !GetWindowRect(dialog, &place)) return;
     const LONG left = std::max(work.left, std::min(place.left, work.right - (place.right - place.left)));
     const LONG top = std::max(work.top, std::min(place.top, work.bottom - (place.bottom - place.top)));
     if (left != place.left || top != place.top)

@@ -6,8 +6,8 @@
 // Gives the caption of a top-level window the colours of the theme, where the system can do that.
 void FrameApplyTheme(HWND window);
 // Colours a dialog and its controls by the theme from now on, gives its caption, texts and buttons the program's
-// language, and evens its rows; when it is shown, its texts get the room they need, and it fits the screen. Called once,
-// in WM_INITDIALOG.
+// language, and evens its rows; when it is shown, its texts get the room they need, and it fits the screen. On a monitor
+// of another DPI it is scaled. Called once, in WM_INITDIALOG, and before its controls are moved.
 void DialogApplyTheme(HWND dialog);
 // The answer to WM_CTLCOLORSTATIC that shows the text of `control` as that of a problem when its id is `problem`. FALSE for
 // any other control.

@@ -4,7 +4,10 @@
 #include "files/libraries.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
+#include "ui/dialog_scale.h"
 #include "ui/dialog_screen.h"
+#include "ui/dpi.h"
+#include "ui/list_view.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
 #include "ui/window_text.h"
@@ -55,7 +58,12 @@ void PaintNothing(HWND dialog) {
 }
 
 LRESULT CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR kind) {
-    if (message == WM_NCDESTROY) RemovePropW(dialog, kKindProperty);
+    if (message == WM_NCDESTROY) {
+        RemovePropW(dialog, kKindProperty);
+        DialogScaleEnd(dialog);
+    }
+    if (message == WM_DPICHANGED && DialogRescale(dialog, HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam)))
+        return 0;
     // A dialog may change its size and its place until it is shown.
     if (message == WM_SHOWWINDOW && wParam != FALSE && kind == kOwnDialog) {
         DialogFitTexts(dialog);
@@ -107,6 +115,7 @@ BOOL CALLBACK RenewWindow(HWND window, LPARAM) {
     const auto kind = reinterpret_cast<DWORD_PTR>(GetPropW(window, kKindProperty));
     if (kind == 0) return TRUE;
     ThemeDialog(window, static_cast<DialogKind>(kind));
+    ListViewsRenew(window);
     RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
     return TRUE;
 }
@@ -140,6 +149,7 @@ void FrameApplyTheme(HWND window) {
 
 void DialogApplyTheme(HWND dialog) {
     TranslateDialog(dialog);
+    DialogScaleBegin(dialog);
     DialogFitFields(dialog);
     ThemeDialog(dialog, kOwnDialog);
 }
@@ -147,7 +157,9 @@ void DialogApplyTheme(HWND dialog) {
 void DialogsRenewTheme() { EnumThreadWindows(GetCurrentThreadId(), RenewWindow, 0); }
 
 void MessageBoxApplyTheme(HWND box) {
-    if (ThemeDrawsControls()) ThemeDialog(box, kMessageBox);
+    if (!ThemeDrawsControls()) return;
+    WindowDpiKeep(box, static_cast<int>(GetDpiForWindow(box)));
+    ThemeDialog(box, kMessageBox);
 }
 
 INT_PTR DialogColourOfProblem(HDC dc, HWND control, int problem) {

@@ -1,4 +1,5 @@
-// The fonts of the frame and its panes, and their sizes. Callers must not delete the fonts. UI thread only.
+// The fonts of the frame and its panes, and their sizes; within a DpiScope (ui/dpi.h) those of another window. Callers
+// must not delete the fonts. UI thread only.
 #pragma once
 
 #include <windows.h>

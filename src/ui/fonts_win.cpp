@@ -5,6 +5,7 @@
 #include "ui/dpi.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 namespace {
@@ -14,8 +15,8 @@ struct UiFonts {
     UiFontSizes sizes;
 };
 constexpr int kStockFontPoints = 8;  // its height may be that of another DPI
-UiFonts g_fonts;
-UiFonts g_oldFonts;  // windows may still use them
+std::map<int, UiFonts> g_fonts;      // by the DPI
+std::map<int, UiFonts> g_oldFonts;   // windows may still use them
 
 HFONT MakeBoldFont() {
     LOGFONTW description = {};
@@ -50,16 +51,17 @@ void MeasureFont(HDC dc, HFONT font, int* width, int* height) {
     *height = std::max<int>(metrics.tmHeight, 1);
 }
 
-const UiFonts& Fonts() {
-    if (g_fonts.text && g_fonts.fixed) return g_fonts;
-    g_fonts.text.Reset(UiMakeTextFont(g_ui.dpi));
-    g_fonts.fixed.Reset(MakeFixedFont());
-    UiFontSizes& sizes = g_fonts.sizes;
+UiFonts& Fonts() {
+    UiFonts& fonts = g_fonts[g_ui.dpi];
+    if (fonts.text && fonts.fixed) return fonts;
+    fonts.text.Reset(UiMakeTextFont(g_ui.dpi));
+    fonts.fixed.Reset(MakeFixedFont());
+    UiFontSizes& sizes = fonts.sizes;
     const HDC dc = GetDC(nullptr);
-    MeasureFont(dc, g_fonts.text.Get(), &sizes.textWidth, &sizes.textHeight);
-    MeasureFont(dc, g_fonts.fixed.Get(), &sizes.fixedWidth, &sizes.fixedHeight);
+    MeasureFont(dc, fonts.text.Get(), &sizes.textWidth, &sizes.textHeight);
+    MeasureFont(dc, fonts.fixed.Get(), &sizes.fixedWidth, &sizes.fixedHeight);
     ReleaseDC(nullptr, dc);
-    return g_fonts;
+    return fonts;
 }
 
 }  // namespace
@@ -67,16 +69,17 @@ const UiFonts& Fonts() {
 HFONT UiFont() { return Fonts().text.Get(); }
 
 HFONT UiBoldFont() {
-    Fonts();  // so that a change of the fonts renews this one too
-    if (!g_fonts.bold) g_fonts.bold.Reset(MakeBoldFont());
-    return g_fonts.bold.Get();
+    UniqueFont& bold = Fonts().bold;
+    if (!bold) bold.Reset(MakeBoldFont());
+    return bold.Get();
 }
 
 HFONT UiFixedFont() { return Fonts().fixed.Get(); }
 
 HFONT UiStockFont() {
-    if (!g_fonts.stock) g_fonts.stock.Reset(MakeStockFont());
-    return g_fonts.stock.Get();
+    UniqueFont& stock = Fonts().stock;
+    if (!stock) stock.Reset(MakeStockFont());
+    return stock.Get();
 }
 
 const UiFontSizes& UiSizes() { return Fonts().sizes; }
@@ -97,7 +100,7 @@ int UiTextHeightOf(HFONT font) {
 }
 
 void UiFontsRenew() {
-    if (g_fonts.text || g_fonts.stock) g_oldFonts = std::exchange(g_fonts, {});
+    if (!g_fonts.empty()) g_oldFonts = std::exchange(g_fonts, {});
 }
 
 std::vector<int> UiTextWidths(std::span<const std::wstring> texts) {

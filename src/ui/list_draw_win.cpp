@@ -150,6 +150,7 @@ void ListRowRepaint(const NMLISTVIEW& changed) {
 }
 
 LRESULT ListViewDrawItem(const ListView& list, const NMLVCUSTOMDRAW& draw) {
+    const DpiScope scope(list.window);
     if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
     if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || list.kind == nullptr) return CDRF_DODEFAULT;
     DrawListRow(list, draw.nmcd.hdc, static_cast<int>(draw.nmcd.dwItemSpec));
@@ -157,6 +158,7 @@ LRESULT ListViewDrawItem(const ListView& list, const NMLVCUSTOMDRAW& draw) {
 }
 
 LRESULT ListViewDrawHeader(const ListView& list, const NMCUSTOMDRAW& draw) {
+    const DpiScope scope(list.window);
     if (draw.dwDrawStage == CDDS_PREPAINT) {
         RECT client = {};
         GetClientRect(draw.hdr.hwndFrom, &client);

@@ -151,6 +151,7 @@ LRESULT OnListPlaced(const ListView& list, WPARAM wParam, const WINDOWPOS& place
 
 void OnListDestroyed(ListView& list) {
     if (list.heightOnly != nullptr) ImageList_Destroy(list.heightOnly);
+    ListViewForget(list);
     list = {};
 }
 

@@ -11,6 +11,7 @@ inline HWND ListViewHeader(const ListView& list) { return reinterpret_cast<HWND>
 int ListViewRowCount(const ListView& list);
 const ListRow* ListViewRow(const ListView& list, int row);  // null for an index out of range
 void ListViewFitColumns(ListView& list);                    // to the width of the window
+void ListViewForget(const ListView& list);                  // its window is destroyed
 
 // --- list_input_win.cpp: the window's messages
 LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data);

@@ -40,7 +40,7 @@ struct ListView {
     HWND window = nullptr;
     // Called first for each key; returns true when it has handled the key. May be null.
     bool (*handleKey)(HWND from, WPARAM key) = nullptr;
-    bool inDialog = false;  // Tab, Enter and Esc belong to the dialog
+    bool inDialog = false;  // Tab, Enter and Esc belong to the dialog, which renews it; set before it is created
 
     // The fields below are private to the list.
     struct Place {
@@ -62,6 +62,8 @@ void ListViewShow(ListView& list, const ListKind& kind);
 void ListViewUpdate(ListView& list, const ListContent& content);  // the content must stay until the next update
 // Renews colours and fonts. ListViewShow must follow, because the columns are removed.
 void ListViewApplyTheme(ListView& list);
+// Renews the colours, the fonts and the columns of the lists in that dialog. Their rows and places stay.
+void ListViewsRenew(HWND dialog);
 // Handles WM_NOTIFY. Returns true when the notification was for the list; `result` is then the answer if there is one.
 bool ListViewHandleNotify(ListView& list, const NMHDR& header, LRESULT* result);
 // The same in a dialog: sets DWLP_MSGRESULT, and returns what the dialog's procedure is to return.

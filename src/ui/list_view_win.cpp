@@ -13,10 +13,13 @@
 #include "ui/subclass.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
 constexpr int kRowBlank = 5;  // height of a row beyond its text, at 96 dpi
+
+std::vector<ListView*> g_inDialogs;  // the lists of the dialogs that are open
 
 int ListColumnCount(const ListView& list) {
     return list.kind != nullptr ? static_cast<int>(list.kind->columns.size()) : 0;
@@ -50,7 +53,7 @@ int RoomForColumns(const ListView& list) {
     GetWindowRect(ListViewHeader(list), &header);
     GetClientRect(list.window, &client);
     const auto style = static_cast<DWORD>(GetWindowLongPtrW(list.window, GWL_STYLE));
-    const int frame = (style & WS_BORDER) != 0 ? 2 * GetSystemMetrics(SM_CXBORDER) : 0;
+    const int frame = (style & WS_BORDER) != 0 ? 2 * UiMetric(SM_CXBORDER) : 0;
     const int width = window.right - window.left - frame;
     const int rows = ListViewRowCount(list) > 0 ? ListViewRowCount(list) * ListRowHeight(list) : 0;
     if (rows <= window.bottom - window.top - frame - (header.bottom - header.top)) return width;
@@ -103,6 +106,7 @@ void RevealRow(const ListView& list, int row) {
 
 // Columns whose widths the user has changed keep them; only the last one then follows the window.
 void ListViewFitColumns(ListView& list) {
+    const DpiScope scope(list.window);
     std::vector<ColumnRoom> columns;
     const bool byUser = list.kind != nullptr && list.places[list.kind].byUser;
     for (int i = 0; i < ListColumnCount(list); ++i)
@@ -136,10 +140,14 @@ bool ListViewCreate(ListView& list, HWND parent, int controlId) {
     ListViewSend(list, LVM_SETCALLBACKMASK, LVIS_STATEIMAGEMASK);
     SubclassAdd(list.window, ListViewProc, reinterpret_cast<DWORD_PTR>(&list));
     SizeLate(list.window, SizeWaits::InSlowDrag);
+    if (list.inDialog) g_inDialogs.push_back(&list);
     return true;
 }
 
+void ListViewForget(const ListView& list) { std::erase(g_inDialogs, &list); }
+
 void ListViewShow(ListView& list, const ListKind& kind) {
+    const DpiScope scope(list.window);
     KeepPlace(list);
     const RedrawPause pause(list.window);
     list.content = nullptr;
@@ -176,6 +184,7 @@ void ListViewUpdate(ListView& list, const ListContent& content) {
 
 void ListViewApplyTheme(ListView& list) {
     // The fonts may have changed: the columns of every kind are fitted again when it is shown.
+    const DpiScope scope(list.window);
     KeepPlace(list);
     for (auto& [kind, place] : list.places) {
         place.widths.clear();
@@ -195,6 +204,16 @@ void ListViewApplyTheme(ListView& list) {
     list.heightOnly = height;
 }
 
+void ListViewsRenew(HWND dialog) {
+    for (ListView* const list : g_inDialogs) {
+        if (GetParent(list->window) != dialog || list->kind == nullptr) continue;
+        const ListContent* const content = list->content;
+        ListViewApplyTheme(*list);
+        ListViewShow(*list, *list->kind);
+        if (content != nullptr) ListViewUpdate(*list, *content);
+    }
+}
+
 int ListViewSelected(const ListView& list) {
     return static_cast<int>(ListViewSend(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
 }
@@ -207,6 +226,7 @@ void ListViewSelect(const ListView& list, int row) {
 }
 
 RECT ListViewCell(const ListView& list, int row, int column) {
+    const DpiScope scope(list.window);
     RECT bounds = {};
     bounds.left = LVIR_BOUNDS;
     ListViewSend(list, LVM_GETITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&bounds));

@@ -1,8 +1,8 @@
 // The system's message box in the program's colours and with the program's words on its buttons. UI thread.
 #include "ui/box_buttons.h"
 #include "ui/dialog_theme.h"
-#include "ui/dpi.h"
 #include "ui/guarded_button.h"
+#include "ui/scale.h"
 #include "ui/subclass.h"
 #include "ui/window_text.h"
 
@@ -54,7 +54,7 @@ int WidthOfText(HWND button) {
     GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
     SelectObject(dc, font);
     ReleaseDC(button, dc);
-    return static_cast<int>(size.cx) + 2 * UiScaled(kBesideText);
+    return static_cast<int>(size.cx) + 2 * ScaledTo(kBesideText, static_cast<int>(GetDpiForWindow(button)));
 }
 
 // Makes the box wider by `more`; its middle stays.

@@ -20,6 +20,7 @@ constexpr int kPaneTop = 3;
 
 void InsetClient(HWND window, InsetKind kind, RECT& client) {
     if (kind == kPane) {
+        const DpiScope scope(window);
         client.left += UiScaled(kPaneLeft);
         client.top += UiScaled(kPaneTop);
         return;
@@ -32,8 +33,9 @@ void InsetClient(HWND window, InsetKind kind, RECT& client) {
 }
 
 int FrameOf(HWND window) {
-    if ((GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0) return GetSystemMetrics(SM_CXEDGE);
-    return (GetWindowLongPtrW(window, GWL_STYLE) & WS_BORDER) != 0 ? GetSystemMetrics(SM_CXBORDER) : 0;
+    const DpiScope scope(window);
+    if ((GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0) return UiMetric(SM_CXEDGE);
+    return (GetWindowLongPtrW(window, GWL_STYLE) & WS_BORDER) != 0 ? UiMetric(SM_CXBORDER) : 0;
 }
 
 HBRUSH BrushOfField(HWND field, HDC dc) {

@@ -7,6 +7,7 @@
 #include "ui/box_buttons.h"
 #include "ui/box_text.h"
 #include "ui/dialog_fit.h"
+#include "ui/dialog_units.h"
 #include "ui/drag_pace.h"
 #include "ui/fit.h"
 #include "ui/menu_text.h"
@@ -58,6 +59,30 @@ TEST(DialogFit, TheListGivesWhatTheScreenLacks) {
     EXPECT_EQ(row[1].end, 350) << "a field becomes shorter";
     EXPECT_EQ(row[2].start, 230) << "buttons move";
     EXPECT_EQ(row[3].end, 350);
+
+    // Buttons at the right edge, of which some begin before the middle, and a check box in the row above.
+    row = {{10, 90, true, 0, 20}, {150, 230, true, 30, 50}, {240, 320, true, 30, 50}, {330, 400, true, 30, 50}};
+    FitDialogWidth(row, 410, 60);
+    EXPECT_EQ(row[0].start, 10) << "nothing comes over it";
+    EXPECT_EQ(row[1].start, 90) << "the next one would lie over it";
+    EXPECT_EQ(row[2].start, 180);
+    EXPECT_EQ(row[3].end, 340);
+}
+
+TEST(DialogUnits, ADialogThatGoesFromScreenToScreenStaysAsItWasMade) {
+    const DialogBase first = {7, 15}, bases[] = {{9, 20}, {11, 23}, {13, 31}, {8, 17}, first};
+    const PixelPlace made = {11, 23, 187, 31};
+    KeptPlace kept = {UnitsOfPlace(made, first), made};
+    DialogBase base = first;
+    for (const DialogBase& next : bases) {
+        kept.units = WantedPlace(&kept, kept.shown, base);
+        kept.shown = PixelsOfPlace(kept.units, next);
+        base = next;
+    }
+    EXPECT_EQ(kept.shown, made);
+    EXPECT_EQ(PixelsOfPlace({8, 16, 50, 14}, {6, 13}), (PixelPlace{12, 26, 75, 23}));
+    const UnitPlace moved = WantedPlace(&kept, {11, 53, 187, 31}, first);  // by its dialog, since then
+    EXPECT_EQ(PixelsOfPlace(moved, {14, 30}), (PixelPlace{22, 106, 374, 62}));
 }
 
 TEST(DialogFit, LongTextsMoveWhatIsBesideThem) {

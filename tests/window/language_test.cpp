@@ -3,6 +3,7 @@
 // have room for texts that are longer by 40 % and more.
 #include "build_driver.h"
 #include "class_name.h"
+#include "fitting.h"
 
 #include <commctrl.h>
 
@@ -98,68 +99,6 @@ std::wstring LatinWords(const std::wstring& text) {
 
 void ExpectTranslated(const std::string& where, const std::wstring& text) {
     EXPECT_EQ(Utf8(LatinWords(text)), "") << where << ": " << Utf8(text);
-}
-
-// The font of dialogs, and the system's for messages, which the settings have.
-enum class Font { Dialog, Message };
-
-LOGFONTW FaceOf(Font font, HDC dc) {
-    NONCLIENTMETRICSW metrics = {};
-    metrics.cbSize = sizeof(metrics);
-    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0);
-    if (font == Font::Message) return metrics.lfMessageFont;
-    LOGFONTW face = {};
-    face.lfHeight = -MulDiv(9, GetDeviceCaps(dc, LOGPIXELSY), 72);
-    face.lfCharSet = DEFAULT_CHARSET;
-    lstrcpyW(face.lfFaceName, L"Segoe UI");
-    return face;
-}
-
-// The size of a text in lines of at most `width`; 0: in one line.
-SIZE SizeOf(const std::wstring& text, Font font, UINT format, LONG width = 0) {
-    const HDC dc = GetDC(nullptr);
-    const LOGFONTW face = FaceOf(font, dc);
-    const HFONT made = CreateFontIndirectW(&face);
-    const HGDIOBJ old = SelectObject(dc, made);
-    RECT area = {0, 0, width, 0};
-    DrawTextW(dc, text.c_str(), -1, &area, DT_CALCRECT | format | (width > 0 ? DT_WORDBREAK : 0U));
-    SelectObject(dc, old);
-    DeleteObject(made);
-    ReleaseDC(nullptr, dc);
-    return {area.right, area.bottom};
-}
-
-// The box of a check box, and the blank beside it.
-constexpr int kBoxWidth = 17;
-
-// No part of a label's or a button's text lies beyond its window. Labels that end with dots shorten themselves.
-void ExpectWhole(const std::string& where, HWND control, const std::wstring& text, Font font) {
-    const std::wstring kind = ClassOf(control);
-    const LONG_PTR style = GetWindowLongPtrW(control, GWL_STYLE);
-    const bool label = kind == WC_STATICW;
-    if (!label && (style & BS_TYPEMASK) == BS_OWNERDRAW) return;  // its text is only a name
-    if (text.empty() || (label && (style & SS_ELLIPSISMASK) != 0) || (!label && kind != WC_BUTTONW)) return;
-    RECT client = {};
-    GetClientRect(control, &client);
-    const LONG_PTR type = style & BS_TYPEMASK;
-    const bool box = !label && type != BS_PUSHBUTTON && type != BS_DEFPUSHBUTTON;
-    const UINT format = label && (style & SS_NOPREFIX) != 0 ? DT_NOPREFIX : 0U;
-    const SIZE size = SizeOf(text, font, format, label ? client.right : 0);
-    const bool whole = size.cx <= client.right - (box ? kBoxWidth : 0) && size.cy <= client.bottom;
-    EXPECT_TRUE(whole) << where << ", " << Utf8(text) << ": " << size.cx << "x" << size.cy << " in " << client.right
-                       << "x" << client.bottom;
-}
-
-std::vector<HWND> VisibleChildren(HWND parent) {
-    std::vector<HWND> children;
-    EnumChildWindows(
-        parent,
-        [](HWND child, LPARAM list) -> BOOL {
-            if (IsWindowVisible(child)) reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&children));
-    return children;
 }
 
 struct LanguageDriver {
