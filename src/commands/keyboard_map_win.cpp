@@ -6,6 +6,7 @@
 #include "commands/keyboard_map_rows.h"
 #include "commands/menu_commands.h"
 #include "resources/ids.h"
+#include "ui/dialog_scale.h"
 #include "ui/dialog_theme.h"
 #include "ui/redraw.h"
 #include "ui/subclass.h"
@@ -69,7 +70,7 @@ LRESULT CALLBACK KeyFilterProc(HWND field, UINT message, WPARAM wParam, LPARAM l
 
 void FillKeyDialog(HWND dialog) {
     const UINT tabs[] = {130, 290};  // dialog units
-    SendDlgItemMessageW(dialog, IDC_KEYS_LIST, LB_SETTABSTOPS, std::size(tabs), reinterpret_cast<LPARAM>(tabs));
+    DialogListTabs(dialog, IDC_KEYS_LIST, tabs);
     SubclassAdd(GetDlgItem(dialog, IDC_KEYS_FILTER), KeyFilterProc);
     ShowKeyRows(dialog);
     DialogApplyTheme(dialog);

@@ -6,6 +6,7 @@
 #include "debugui/exception_rows.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
+#include "ui/dialog_scale.h"
 #include "ui/dialog_theme.h"
 #include "ui/ui_state.h"
 
@@ -91,7 +92,7 @@ void OnExceptionsCommand(HWND dialog, int control, int notification) {
 
 void FillDialog(HWND dialog) {
     const UINT tabs[] = {50, 210, 245};  // dialog units
-    SendMessageW(ListOf(dialog), LB_SETTABSTOPS, std::size(tabs), reinterpret_cast<LPARAM>(tabs));
+    DialogListTabs(dialog, IDC_EXCEPTIONS_LIST, tabs);
     SendDlgItemMessageW(dialog, IDC_EXCEPTIONS_CODE, EM_SETLIMITTEXT, kExceptionCodeDigits + 2, 0);
     FillList(dialog, 0);
     SetFocus(ListOf(dialog));

@@ -4,11 +4,15 @@
 
 #include <windows.h>
 
-// Called once for each dialog, as it is made.
+#include <span>
+
+// Called for each dialog as it is made; again it changes nothing.
 void DialogScaleBegin(HWND dialog);
 void DialogScaleEnd(HWND dialog);  // it is destroyed
 // Dialog units in pixels, at the DPI that the dialog has now.
 SIZE DialogPixels(HWND dialog, int across, int down);
+// Sets the tab stops of a list box, in dialog units, also at the scales that come.
+void DialogListTabs(HWND dialog, int list, std::span<const UINT> stops);
 // The dialog has come to a monitor of that DPI. `suggested` is the system's rectangle, of which the place is taken.
 // False: the dialog's own procedure is to do it.
 bool DialogRescale(HWND dialog, int dpi, const RECT& suggested);

@@ -6,11 +6,11 @@
 #include "ui/dialog_units.h"
 #include "ui/dpi.h"
 #include "ui/list_view.h"
+#include "ui/window_kind.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
-#include <iterator>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -22,7 +22,8 @@ struct DialogScale {
     int madeAt = 96;     // the DPI then
     UniqueFont present;  // of the DPI that it has now; none: the one with which it was made
     DialogBase base;
-    std::unordered_map<HWND, KeptPlace> kept;  // of the controls, and of the dialog's client area
+    std::unordered_map<HWND, KeptPlace> kept;         // of the controls, and of the dialog's client area
+    std::unordered_map<int, std::vector<UINT>> tabs;  // tab stops of list boxes
 };
 std::unordered_map<HWND, DialogScale> g_scales;
 
@@ -57,17 +58,11 @@ void KeepSystemFromScaling(HWND dialog) {
     if (setBehaviour != nullptr) setBehaviour(dialog, kDisableAll, kDisableAll);
 }
 
-bool IsComboBox(HWND control) {
-    wchar_t name[32] = {};
-    GetClassNameW(control, name, static_cast<int>(std::size(name)));
-    return lstrcmpiW(name, WC_COMBOBOXW) == 0;
-}
-
 // Of a combo box with its open list, which is the height that it takes.
 PixelPlace PlaceOfControl(HWND dialog, HWND control) {
     RECT place = {}, open = {};
     GetWindowRect(control, &place);
-    if (IsComboBox(control) &&
+    if (IsOfClass(control, WC_COMBOBOXW) &&
         SendMessageW(control, CB_GETDROPPEDCONTROLRECT, 0, reinterpret_cast<LPARAM>(&open)) != FALSE)
         place.bottom = std::max(place.bottom, place.top + (open.bottom - open.top));
     MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
@@ -94,6 +89,17 @@ void SetClientSize(HWND dialog, POINT at, int width, int height) {
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+void SetTabs(HWND dialog, int list, const std::vector<UINT>& stops) {
+    SendDlgItemMessageW(dialog, list, LB_SETTABSTOPS, stops.size(), reinterpret_cast<LPARAM>(stops.data()));
+}
+
+// A list box keeps in pixels how far it scrolls sideways.
+void ScaleExtent(HWND control, const DialogBase& before, const DialogBase& now) {
+    if (!IsOfClass(control, WC_LISTBOXW)) return;
+    const auto extent = static_cast<int>(SendMessageW(control, LB_GETHORIZONTALEXTENT, 0, 0));
+    SendMessageW(control, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(MulDiv(extent, now.width, before.width)), 0);
+}
+
 // Gives the font to the controls that have that of the dialog. Others, such as a list, have fonts of their own.
 void ExchangeFont(HWND dialog, DialogScale& scale, int dpi) {
     LOGFONTW wanted = scale.font;
@@ -105,7 +111,10 @@ void ExchangeFont(HWND dialog, DialogScale& scale, int dpi) {
     for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
         if (FontOf(child) == before) SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), FALSE);
     scale.present = std::move(font);  // nothing has the former one any more
-    scale.base = BaseOf(scale.present.Get());
+    const DialogBase base = std::exchange(scale.base, BaseOf(scale.present.Get()));
+    for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
+        ScaleExtent(child, base, scale.base);
+    for (const auto& [list, stops] : scale.tabs) SetTabs(dialog, list, stops);
 }
 
 }  // namespace
@@ -124,6 +133,13 @@ void DialogScaleBegin(HWND dialog) {
 void DialogScaleEnd(HWND dialog) {
     g_scales.erase(dialog);
     WindowDpiForget(dialog);
+}
+
+void DialogListTabs(HWND dialog, int list, std::span<const UINT> stops) {
+    DialogScaleBegin(dialog);
+    std::vector<UINT>& kept = g_scales[dialog].tabs[list];
+    kept.assign(stops.begin(), stops.end());
+    SetTabs(dialog, list, kept);
 }
 
 SIZE DialogPixels(HWND dialog, int across, int down) {

@@ -3,12 +3,12 @@
 #include "ui/dialog_fit.h"
 #include "ui/dialog_scale.h"
 #include "ui/monitor.h"
+#include "ui/window_kind.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
-#include <iterator>
 #include <vector>
 
 namespace {
@@ -21,12 +21,6 @@ std::vector<HWND> ControlsOf(HWND dialog) {
     for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
         controls.push_back(child);
     return controls;
-}
-
-bool IsControlOf(HWND control, const wchar_t* name) {
-    wchar_t found[32] = {};
-    GetClassNameW(control, found, static_cast<int>(std::size(found)));
-    return lstrcmpiW(found, name) == 0;
 }
 
 RECT PlaceIn(HWND dialog, HWND control) {
@@ -48,8 +42,8 @@ void SetComboHeight(HWND combo, int height) {
 }
 
 bool IsRigid(HWND control) {
-    return IsControlOf(control, WC_BUTTONW) || IsControlOf(control, WC_STATICW) || IsControlOf(control, WC_COMBOBOXW) ||
-           (IsControlOf(control, WC_EDITW) && (GetWindowLongPtrW(control, GWL_STYLE) & ES_MULTILINE) == 0);
+    return IsOfClass(control, WC_BUTTONW) || IsOfClass(control, WC_STATICW) || IsOfClass(control, WC_COMBOBOXW) ||
+           (IsOfClass(control, WC_EDITW) && (GetWindowLongPtrW(control, GWL_STYLE) & ES_MULTILINE) == 0);
 }
 
 void PlaceParts(HWND dialog, const std::vector<HWND>& controls, const std::vector<RECT>& places) {
@@ -80,7 +74,7 @@ int AcrossUnits(HWND dialog, int units) { return static_cast<int>(DialogPixels(d
 SIZE TextSizeOf(HWND control, int width) {
     const HDC dc = GetDC(control);
     const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
-    const bool label = IsControlOf(control, WC_STATICW);
+    const bool label = IsOfClass(control, WC_STATICW);
     const bool prefix = !label || (GetWindowLongPtrW(control, GWL_STYLE) & SS_NOPREFIX) == 0;
     RECT area = {0, 0, width, 0};
     DrawTextW(dc, WindowText(control).c_str(), -1, &area,
@@ -102,8 +96,8 @@ TextKind KindOfLabel(HWND label, const RECT& place, int dialogWidth) {
 
 TextKind KindOfText(HWND control, const RECT& place, int dialogWidth) {
     if (GetWindowTextLengthW(control) == 0) return TextKind::None;
-    if (IsControlOf(control, WC_STATICW)) return KindOfLabel(control, place, dialogWidth);
-    if (!IsControlOf(control, WC_BUTTONW)) return TextKind::None;
+    if (IsOfClass(control, WC_STATICW)) return KindOfLabel(control, place, dialogWidth);
+    if (!IsOfClass(control, WC_BUTTONW)) return TextKind::None;
     switch (GetWindowLongPtrW(control, GWL_STYLE) & BS_TYPEMASK) {
         case BS_PUSHBUTTON:
         case BS_DEFPUSHBUTTON: return TextKind::Push;
@@ -143,7 +137,7 @@ void ShrinkDialog(HWND dialog, SIZE less) {
     for (const HWND control : controls) {
         const RECT place = PlaceIn(dialog, control);
         places.push_back(place);
-        const bool combo = IsControlOf(control, WC_COMBOBOXW) || IsControlOf(control, WC_EDITW);
+        const bool combo = IsOfClass(control, WC_COMBOBOXW) || IsOfClass(control, WC_EDITW);
         across.push_back({place.left, place.right, IsRigid(control) && !combo, place.top, place.bottom});
         down.push_back({place.top, place.bottom, IsRigid(control), place.left, place.right});
     }
@@ -164,7 +158,7 @@ void ShrinkDialog(HWND dialog, SIZE less) {
 void DialogFitFields(HWND dialog) {
     const int height = UnitsOf(dialog, kFieldUnits);
     for (const HWND control : ControlsOf(dialog))
-        if (IsControlOf(control, WC_COMBOBOXW)) SetComboHeight(control, height);
+        if (IsOfClass(control, WC_COMBOBOXW)) SetComboHeight(control, height);
 }
 
 void DialogFitTexts(HWND dialog) {

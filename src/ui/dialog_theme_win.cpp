@@ -10,22 +10,15 @@
 #include "ui/list_view.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
+#include "ui/window_kind.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
-
-#include <iterator>
 
 namespace {
 
 constexpr wchar_t kKindProperty[] = L"KvxDialogKind";  // of a dialog that has been themed
 enum DialogKind : DWORD_PTR { kOwnDialog = 1, kMessageBox };
-
-bool IsOfClass(HWND window, const wchar_t* name) {
-    wchar_t found[32] = {};
-    GetClassNameW(window, found, static_cast<int>(std::size(found)));
-    return lstrcmpiW(found, name) == 0;
-}
 
 BOOL CALLBACK ThemeChild(HWND child, LPARAM) {
     ControlApplyTheme(child);

@@ -4,6 +4,7 @@
 #include "ui/guarded_button.h"
 #include "ui/scale.h"
 #include "ui/subclass.h"
+#include "ui/window_kind.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
@@ -31,9 +32,7 @@ RECT PlaceIn(HWND box, HWND control) {
 }
 
 bool IsButtonOfBox(HWND control) {
-    wchar_t name[16] = {};
-    GetClassNameW(control, name, static_cast<int>(std::size(name)));
-    return lstrcmpiW(name, WC_BUTTONW) == 0 && (GetWindowLongW(control, GWL_STYLE) & WS_VISIBLE) != 0;
+    return IsOfClass(control, WC_BUTTONW) && (GetWindowLongW(control, GWL_STYLE) & WS_VISIBLE) != 0;
 }
 
 // The buttons that are shown, from left to right.
