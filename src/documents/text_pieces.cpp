@@ -109,7 +109,7 @@ PiecesResult MoveTextPieces(const TextSource& source, PieceCode code, const Piec
         if (!Decode(source, code, result, whole, buffer, &utf8)) return endWith(PiecesEnd::OtherCode);
         lineBreak.Look(utf8);
         longest.Look(utf8);
-        result.form.keepBreaks = result.form.keepBreaks || utf8.find('\0') != std::string_view::npos;
+        result.form.keepBreaks = result.form.keepBreaks || HasNul(utf8);
         if (utf8.size() > limits.text - result.length) return endWith(PiecesEnd::TextTooLong);
         if (longest.Length() > limits.line) return endWith(PiecesEnd::LineTooLong);
         if (!utf8.empty() && !source.append(utf8)) return endWith(PiecesEnd::Refused);

@@ -36,6 +36,6 @@ bool DecodeSource(std::string_view bytes, const AnsiDecoder& ansi, SourceText* t
         }
     }
     const std::string_view shown = text->asItIs ? bytes : std::string_view{text->utf8};
-    text->form.keepBreaks = shown.find('\0') != std::string_view::npos;
+    text->form.keepBreaks = HasNul(shown);
     return true;
 }

@@ -91,6 +91,16 @@ bool IsValidUtf8Bytes(const char* bytes, std::size_t length) {
     return true;
 }
 
+bool HasNul(std::string_view bytes) {
+    for (; bytes.size() >= 32; bytes.remove_prefix(32)) {
+        const char* const at = bytes.data();
+        if ((ZeroBytes(Load8(at)) | ZeroBytes(Load8(at + 8)) | ZeroBytes(Load8(at + 16)) | ZeroBytes(Load8(at + 24))) !=
+            0)
+            return true;
+    }
+    return bytes.find('\0') != std::string_view::npos;
+}
+
 std::ptrdiff_t FirstRefusedCharacter(std::string_view utf8, const std::function<bool(std::string_view)>& holds) {
     constexpr std::size_t kBlock = 1 << 16;
     const auto endOfCharacter = [&](std::size_t at) {

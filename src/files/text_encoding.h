@@ -27,6 +27,9 @@ const wchar_t* EncodingName(TextEncoding encoding, const DiskForm& form);
 // True for well-formed UTF-8. Overlong forms, surrogates and code points beyond U+10FFFF are not; NUL bytes are.
 bool IsValidUtf8Bytes(const char* bytes, std::size_t length);
 
+// Whether a NUL byte is among them. The search of the C runtime looks at single bytes under Wine.
+bool HasNul(std::string_view bytes);
+
 // The byte offset of the first character of valid UTF-8 that `holds` refuses, or -1. `holds` is called with stretches
 // of about 64 kB that are not pure ASCII, and with the single characters of a stretch that it refuses.
 std::ptrdiff_t FirstRefusedCharacter(std::string_view utf8, const std::function<bool(std::string_view)>& holds);

@@ -168,6 +168,18 @@ TEST(Files, Utf16IsReadAndWrittenBack) {
     EXPECT_EQ(Utf8AsUtf16("a\xFF", Utf16Order::Big, false), "\0a\xFF\xFD"sv);
 }
 
+TEST(Files, NulIsFoundAtEveryPlace) {
+    for (const char other : {'\x01', 'a', '\x80', '\xFF'}) {
+        const std::string without(70, other);
+        EXPECT_FALSE(HasNul(without)) << int{other};
+        for (std::size_t at = 0; at < without.size(); ++at) {
+            std::string with = without;
+            with[at] = '\0';
+            EXPECT_TRUE(HasNul(with)) << int{other} << " " << at;
+        }
+    }
+}
+
 TEST(Files, BytesAreTextOfTheFirstEncodingThatFits) {
     const auto ansi = [](std::string_view bytes, std::string* utf8, bool* exact) {
         *exact = bytes.find('\xE9') == std::string_view::npos;
