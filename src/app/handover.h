@@ -27,6 +27,8 @@ bool HandoverTake(const COPYDATASTRUCT& data);
 // Opens a file as the command line names it, at the place that may follow its name: "path", "path:line:column".
 // `problem` gets what a failure would tell in a message box; null: the box.
 void OpenPlace(const std::wstring& text, std::wstring* problem = nullptr);
+// Begins to read the file, if that takes long. The window is not needed for it.
+void ReadPlaceAhead(const std::wstring& text);
 // Opens what waits. Called when the message queue is empty.
 void HandoverOpenWaiting();
 // At the end of the process: a new copy opens what came while the user was asked before the window closed.

@@ -122,9 +122,15 @@ void HandoverStartAgain() {
     CloseHandle(started.hProcess);
 }
 
-void OpenPlace(const std::wstring& text, std::wstring* problem) {
+static FilePlace PlaceNamed(const std::wstring& text) {
     const bool whole = PathAnswers(text.c_str()) && FileExists(text.c_str());
-    const FilePlace place = whole ? FilePlace{.path = text} : ParseFilePlace(text);
+    return whole ? FilePlace{.path = text} : ParseFilePlace(text);
+}
+
+void ReadPlaceAhead(const std::wstring& text) { FileReadAhead(PlaceNamed(text).path.c_str()); }
+
+void OpenPlace(const std::wstring& text, std::wstring* problem) {
+    const FilePlace place = PlaceNamed(text);
     const bool asText = place.line > 0 && FileIsProject(place.path.c_str());
     const int opened = asText ? FileShow(place.path.c_str(), false) : FileOpen(place.path.c_str(), problem);
     if (opened == 0 || place.line == 0) return;

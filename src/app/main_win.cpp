@@ -12,6 +12,7 @@
 #include "commands/quick_open.h"
 #include "compile/build.h"
 #include "compile/held_console.h"
+#include "documents/document_load.h"
 #include "documents/file_work.h"
 #include "files/file_io.h"
 #include "files/libraries.h"
@@ -146,6 +147,15 @@ void RunStep(const CommandLineStep& step, std::wstring& problems) {
     }
 }
 
+// The first file that the command line opens is read while the window is made. Nothing is read that the start does not
+// come to: an option before it may end the program.
+void ReadFirstFileAhead(const char* raw) {
+    for (const CommandLineStep& step : ParseCommandLineSteps(Arguments(raw))) {
+        if (step.action == CommandLineAction::Detect) return;
+        if (step.action == CommandLineAction::Open) return ReadPlaceAhead(step.text);
+    }
+}
+
 // A file that is opened chooses its compiler by its name. One that the command line names holds for its files instead,
 // those before it and those after it.
 void ParseCommandLine(const char* raw) {
@@ -259,6 +269,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
         TellUser(Text(L"Error"), Text(L"Failed to load Scintilla.dll"), AskIcon::Error);
         return unloadAndFail();
     }
+    ReadFirstFileAhead(commandLine);
     wchar_t directory[kPathCapacity] = {};
     AppExeDirectory(directory, kPathCapacity);
     OpenLog(directory);
@@ -274,6 +285,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
     AppLogMsg(L"=== KVX-Editor Startup ===");
     AppLogMsg(L"EXE dir: %s", directory);
     ParseCommandLine(commandLine);
+    DocumentReadAheadEnd();  // of a file that was not opened
     LogCommandLineResult();
     MainWnd_CommandLineDone();
     const int code = SelfTestEnd(RunMessageLoop());

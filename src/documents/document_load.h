@@ -6,9 +6,11 @@
 #include "base/handles.h"
 #include "documents/document.h"
 #include "documents/load_rules.h"
+#include "files/file_progress.h"
 #include "scintilla/document_loader.h"
 
 #include <cstddef>
+#include <memory>
 
 // A file that has been read and is not shown yet.
 struct LoadedFile {
@@ -22,6 +24,11 @@ struct LoadedFile {
     FileState onDisk;
 };
 
+// Begins to read a large file that will soon be opened, so that the rest of a start goes on meanwhile. Does nothing for
+// any other file. DocumentRead takes the text over, if the file is still the one that was read. Returns the progress, null
+// when nothing is read.
+std::shared_ptr<const FileProgress> DocumentReadAhead(const wchar_t* path);
+void DocumentReadAheadEnd();  // drops what was not taken
 // Reads the file as `code`. `label` is its name for the progress.
 LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file, SourceCode code = SourceCode::Guess);
 // Sets what the record says about the file.

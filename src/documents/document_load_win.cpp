@@ -4,6 +4,7 @@
 #include "base/decode.h"
 #include "base/texts.h"
 #include "base/utf8.h"
+#include "base/worker.h"
 #include "documents/file_work.h"
 #include "editor/editor_pane.h"
 #include "editor/pane_rules.h"
@@ -27,6 +28,14 @@ struct LoadJob {
     LoadedFile file;
     LoadEnd end = LoadEnd::Unreadable;
 };
+using LoadJobPtr = std::shared_ptr<LoadJob>;
+
+// What DocumentReadAhead has begun and nobody has taken.
+struct ReadAhead {
+    LoadJobPtr job;
+    Worker worker;
+};
+ReadAhead g_ahead;
 
 // -1 when it is not known.
 std::int64_t SizeOf(const wchar_t* path) {
@@ -116,7 +125,48 @@ void ReadOnWorker(LoadJob& job) {
     }
 }
 
+void ReadJob(LoadJobPtr& job, const WorkerCancel&) { ReadOnWorker(*job); }
+
+// --- In the window
+
+// Waits until the file is read. `begun` (may be empty) reads it already.
+LoadEnd AwaitJob(const LoadJobPtr& job, const Worker& begun, const wchar_t* label) {
+    const bool ended = FileWorkRun({.verb = Text(L"Opening"),
+                                    .label = label,
+                                    .progress = job->progress,
+                                    .work = [job] { ReadOnWorker(*job); },
+                                    .begun = &begun});
+    return !ended || job->progress->cancel ? LoadEnd::Cancelled : job->end;
+}
+
+// Takes over what was read ahead of this file. False when there is nothing, or it is not the file's text any more.
+bool TakeAhead(const wchar_t* path, const wchar_t* label, LoadedFile* file, LoadEnd* end) {
+    if (g_ahead.job == nullptr || g_ahead.job->path != path) return false;
+    const ReadAhead ahead = std::exchange(g_ahead, {});
+    *end = AwaitJob(ahead.job, ahead.worker, label);
+    if (*end == LoadEnd::Cancelled) return true;
+    if (*end != LoadEnd::Done || !FileLooksSame(ahead.job->file.onDisk, FileStateOf(path))) return false;
+    *file = std::move(ahead.job->file);
+    return true;
+}
+
 }  // namespace
+
+std::shared_ptr<const FileProgress> DocumentReadAhead(const wchar_t* path) {
+    DocumentReadAheadEnd();
+    if (PathIsRemote(path) || LoadWayOf(SizeOf(path), false) != LoadWay::Worker || !DocumentLoaderPrepare()) return {};
+    const auto job = std::make_shared<LoadJob>();
+    job->path = path;
+    const Worker worker = WorkerStart<ReadJob>(LoadJobPtr{job});
+    if (!worker) return {};
+    g_ahead = {.job = job, .worker = worker};
+    return job->progress;
+}
+
+void DocumentReadAheadEnd() {
+    if (g_ahead.job != nullptr) g_ahead.job->progress->cancel = true;
+    g_ahead = {};
+}
 
 LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file, SourceCode code) {
     const bool remote = PathIsRemote(path);
@@ -124,14 +174,14 @@ LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file
     if (way == LoadWay::Refused) return LoadEnd::TooLarge;
     if (way == LoadWay::Direct) return ReadSmall(path, file, code);
     if (!DocumentLoaderPrepare()) return LoadEnd::NoMemory;
+    LoadEnd end = LoadEnd::Unreadable;
+    if (code == SourceCode::Guess && TakeAhead(path, label, file, &end)) return end;
     const auto job = std::make_shared<LoadJob>();
     job->path = path;
     job->code = code;
-    const bool ended = FileWorkRun(
-        {.verb = Text(L"Opening"), .label = label, .progress = job->progress, .work = [job] { ReadOnWorker(*job); }});
-    if (!ended || job->progress->cancel) return LoadEnd::Cancelled;
-    *file = std::move(job->file);
-    return job->end;
+    end = AwaitJob(job, {}, label);
+    if (end != LoadEnd::Cancelled) *file = std::move(job->file);
+    return end;
 }
 
 void DocumentNoteRead(DocumentTab& tab, const LoadedFile& file) {

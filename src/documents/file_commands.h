@@ -14,6 +14,8 @@ int FileNew();  // 0 when no document could be added
 // Null: asks with the open dialog. Shows a file that is open already. A project file is not shown: it opens its project.
 // `problem` gets what a failure would tell in a message box; null: the box.
 int FileOpen(const wchar_t* path, std::wstring* problem = nullptr);
+// Begins to read a file that will soon be opened, if that takes long (documents/document_load.h).
+void FileReadAhead(const wchar_t* path);
 bool FileSaveHasFailed(DocumentId document);  // the status bar says so
 bool FileIsProject(const wchar_t* path);      // by its name
 // Shows a file on behalf of another command (a debugger stop, an error line, a session), and opens it when it is not

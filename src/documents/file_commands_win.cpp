@@ -138,6 +138,11 @@ int FileOpen(const wchar_t* path, std::wstring* problem) {
 
 bool FileIsProject(const wchar_t* path) { return PathEqualsIgnoreCase(FileExtension(path), L".kvxproj"); }
 
+void FileReadAhead(const wchar_t* path) {
+    wchar_t file[kPathCapacity] = {};
+    if (ResolveInputPath(path, file, kPathCapacity, true) && !FileIsProject(file)) DocumentReadAhead(file);
+}
+
 int FileShow(const wchar_t* path, bool quiet) {
     wchar_t file[kPathCapacity] = {};
     return ResolveInputPath(path, file, kPathCapacity, quiet) && ShowDocument(file, quiet) != Opened::Failed ? 1 : 0;

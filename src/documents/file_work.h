@@ -10,12 +10,15 @@
 #include <memory>
 #include <string>
 
+struct Worker;
+
 struct FileWork {
     const wchar_t* verb;  // "Opening"
     const wchar_t* label;
     std::shared_ptr<FileProgress> progress;
-    std::function<void()> work;  // on the worker; what it uses it must own or share
-    std::uint64_t began = 0;     // tick count when the command began, from which the second counts; 0: now
+    std::function<void()> work;     // on the worker; what it uses it must own or share
+    const Worker* begun = nullptr;  // does the work already; null or empty: a new one does it
+    std::uint64_t began = 0;        // tick count when the command began, from which the second counts; 0: now
 };
 
 // Returns true when the work has ended, also when it was cancelled. False: it was cancelled and hangs, on a share that

@@ -53,7 +53,8 @@ bool WaitForWorker(const Worker& worker, const FileWork& work) {
 }  // namespace
 
 bool FileWorkRun(const FileWork& work) {
-    const Worker worker = WorkerStart<RunWork>(std::function<void()>{work.work});
+    const bool begun = work.begun != nullptr && *work.begun;
+    const Worker worker = begun ? *work.begun : WorkerStart<RunWork>(std::function<void()>{work.work});
     if (!worker) {
         work.work();
         return true;

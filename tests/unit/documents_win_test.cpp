@@ -1,4 +1,6 @@
 // The row of documents with real editors: large files from disk to disk, and places visited when tabs move and close.
+#include "base/handles.h"
+#include "documents/document_load.h"
 #include "documents/document_place.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -27,6 +29,8 @@
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr ULONGLONG kPatienceMs = 30'000;
 
 class DocumentsWin : public testing::Test {
 protected:
@@ -146,6 +150,48 @@ TEST_F(DocumentsWin, LongLinesArePlainOrRefused) {
     LoadEnd why = LoadEnd::Done;
     EXPECT_EQ(TabBarAdd(path.c_str(), L"long.bas", &why), -1);
     EXPECT_EQ(why, LoadEnd::LineTooLong);
+}
+
+// What was read ahead is taken when the file is still the same, and only once; otherwise the file is read again.
+TEST_F(DocumentsWin, TextReadAheadIsTakenWhileItIsTheFiles) {
+    const std::string before(kLargeFile + 1, 'a');
+    const std::string after(kLargeFile + 2, 'b');
+    const fs::path path = folder_.path / L"ahead.bas";
+    const auto open = [&path](DWORD access, DWORD sharing) {
+        return UniqueHandle{CreateFileW(path.c_str(), access, sharing, nullptr, OPEN_EXISTING, 0, nullptr)};
+    };
+    const auto readAhead = [&] {
+        const auto progress = DocumentReadAhead(path.c_str());
+        const ULONGLONG end = GetTickCount64() + kPatienceMs;
+        // The reader holds the file open from when it knows the size until it has read all.
+        while (progress != nullptr && (progress->total == 0 || !open(GENERIC_WRITE, FILE_SHARE_READ)))
+            if (GetTickCount64() > end) return false;
+        return progress != nullptr;
+    };
+    for (const bool changes : {false, true}) {
+        WriteBytes(path, before);
+        ASSERT_TRUE(readAhead());
+        if (changes) WriteBytes(path, after);
+        for (const bool again : {false, true}) {
+            // Nobody can read the file now, so the text is there only when it was read before.
+            const UniqueHandle locked = changes ? UniqueHandle{} : open(GENERIC_READ, 0);
+            LoadEnd why = LoadEnd::Done;
+            const int tab = TabBarAdd(path.c_str(), L"ahead.bas", &why);
+            ASSERT_EQ(why, again && !changes ? LoadEnd::Unreadable : LoadEnd::Done) << changes;
+            if (tab < 0) continue;
+            const HWND editor = TabAt(tab).editor;
+            EXPECT_EQ(SciSend(editor, SCI_GETLENGTH), static_cast<LRESULT>((changes ? after : before).size()));
+            TabBarRemove(tab);
+        }
+    }
+    // What was dropped is not taken.
+    WriteBytes(path, before);
+    ASSERT_TRUE(readAhead());
+    DocumentReadAheadEnd();
+    const UniqueHandle locked = open(GENERIC_READ, 0);
+    LoadEnd why = LoadEnd::Done;
+    EXPECT_EQ(TabBarAdd(path.c_str(), L"ahead.bas", &why), -1);
+    EXPECT_EQ(why, LoadEnd::Unreadable);
 }
 
 // Esc reaches the work; work that hangs is left behind; closing the window is put off.
