@@ -152,7 +152,7 @@ private:
         if (!names_) return TextWith(L"no register: {1}", {Shown(name)});
         return TextWith(
             L"{1} is not known. The compilers write no names of variables: name its place, as {1} = {2}, LONG",
-            {Shown(name), registers_.x64 ? L"RBP-4" : L"EBP-4"});
+            {Shown(name), std::wstring(FramePointerName(registers_.x64)) + L"-4"});
     }
     // Why a register of this frame cannot be used; empty: it can.
     std::wstring Lost(std::string_view name) const {

@@ -269,7 +269,7 @@ std::wstring PlaceProblem(std::string_view place, std::optional<bool> x64) {
         if (problem.empty()) problem = tried.problem;
     }
     const bool wide = x64.value_or(true);
-    return TextWith(L"Not a place: {1}. Write it as {2}-4, {2}-10h or [{2}+16].", {problem, wide ? L"RBP" : L"EBP"});
+    return TextWith(L"Not a place: {1}. Write it as {2}-4, {2}-10h or [{2}+16].", {problem, FramePointerName(wide)});
 }
 
 std::wstring PlaceNotice(std::string_view place) {

@@ -30,6 +30,10 @@ struct RegisterSet {
 
 inline constexpr int kBp = 6, kSp = 7;  // indexes into `general`
 
+// The names that a program of this kind knows them by.
+inline const wchar_t* FramePointerName(bool x64) { return x64 ? L"RBP" : L"EBP"; }
+inline const wchar_t* StackPointerName(bool x64) { return x64 ? L"RSP" : L"ESP"; }
+
 struct RegisterRow {
     const wchar_t* name;  // "RAX", "EAX", "RIP", "EFL", "XMM0"
     std::wstring value;   // hexadecimal, the register's full width

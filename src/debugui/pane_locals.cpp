@@ -24,10 +24,10 @@ ListRow NamedRow(const NamedPlace& named, const LocalsNow& now, LocalValues* val
     return row;
 }
 
-ListRow DeclaredRow(const DeclaredVariable& variable) {
+ListRow DeclaredRow(const DeclaredVariable& variable, bool x64) {
     const auto kind = WatchKindOfType(variable.type);
     return {.cells = {Utf8ToWideText(variable.name), kind ? WatchKindName(*kind) : Utf8ToWideText(variable.type), L"?",
-                      Text(L"Type its place, such as RBP-4")},
+                      TextWith(L"Type its place, such as {1}-4", {FramePointerName(x64)})},
             .tone = ListTone::Quiet};
 }
 
@@ -52,7 +52,7 @@ LocalRows LocalRowsOf(const LocalsNow& now, LocalValues* values) {
     for (std::size_t i = 0; i < now.variables.size(); ++i) {
         const NamedPlace* const named = FindNamedPlace(now.names, now.variables[i].name);
         if (named == nullptr)
-            add(DeclaredRow(now.variables[i]), LocalMeaning::Declared, i);
+            add(DeclaredRow(now.variables[i], now.x64), LocalMeaning::Declared, i);
         else
             addNamed(static_cast<std::size_t>(named - now.names.data()));
     }
@@ -63,7 +63,8 @@ LocalRows LocalRowsOf(const LocalsNow& now, LocalValues* values) {
                                 {NamesCount(now.lost->names.size()), Utf8ToWideText(now.lost->procedure)})},
              .tone = ListTone::Source},
             LocalMeaning::Lost, 0);
-    add({.cells = {Text(L"Type a name and its place here: i = RBP-4, LONG")}, .tone = ListTone::Source},
+    add({.cells = {TextWith(L"Type a name and its place here: i = {1}-4, LONG", {FramePointerName(now.x64)})},
+         .tone = ListTone::Source},
         LocalMeaning::New, 0);
     return made;
 }

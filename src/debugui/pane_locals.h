@@ -36,6 +36,7 @@ struct LocalsNow {
     std::uint64_t serial = 0;
     std::wstring owner;
     std::wstring heading;
+    bool x64 = true;  // of the program
     std::span<const NamedPlace> names;
     std::span<const DeclaredVariable> variables;
     const NamedProcedure* lost = nullptr;  // null: none

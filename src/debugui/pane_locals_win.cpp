@@ -67,6 +67,7 @@ void FillLocals(PaneContent& content) {
                                   .owner = scope.file + L"|" + Utf8ToWideText(scope.Name()) + L"|" +
                                            std::to_wstring(frame->registers.general[kBp]),
                                   .heading = HeadingOf(*frame),
+                                  .x64 = frame->registers.x64,
                                   .names = g_view.names,
                                   .variables = g_view.variables,
                                   .lost = LostProcedure(AllPlaceNames(), scope.file, scope.all),
@@ -268,7 +269,8 @@ std::wstring PaneNamePlace(const std::wstring& definition, const std::string& be
         return Text(L"Names can be given here while the program is stopped; at any time by Debug > Name a Place.");
     if (frame->scope.file.empty()) return Text(L"There is no source here that a name could belong to.");
     const std::string text = PaneUtf8(definition);
-    if (!IsNamedDefinition(text)) return Text(L"A name and its place are wanted: i = RBP-4, LONG");
+    if (!IsNamedDefinition(text))
+        return TextWith(L"A name and its place are wanted: i = {1}-4, LONG", {FramePointerName(frame->registers.x64)});
     const std::string name(NameAtStart(WithoutLeadingBlanks(text)));
     if (before.empty() && frame->scope.procedure != nullptr)
         for (const DeclaredVariable& variable : frame->scope.procedure->variables)

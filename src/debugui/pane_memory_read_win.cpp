@@ -23,7 +23,7 @@ void FillMemoryView(PaneContent& content) {
     const bool x64 = g_debugger.isX64 != 0;
     MemoryTakeProgram(g_memory, program.processId, x64);
     const std::wstring expression = PaneAddressText();
-    const Evaluation address = PaneEvaluatePlace(!expression.empty() ? expression : x64 ? L"RSP" : L"ESP");
+    const Evaluation address = PaneEvaluatePlace(!expression.empty() ? expression : StackPointerName(x64));
     content.problem = address.problem;
     MemoryTakeStop(g_memory, program.serial, address.value.value_or(g_memory.base));
     MemoryRead();

@@ -179,7 +179,9 @@ std::vector<ListRow> WatchRows(WatchList& list, const WatchProgram& program) {
     if (program.stopped) list.serial = program.serial;
     std::vector<ListRow> rows;
     for (Watch& watch : list.watches) rows.push_back(WatchRow(watch, program, newStop));
-    rows.push_back({.cells = {Text(L"Type an address here, or a name: RSP+8, [RBP+16], i = RBP-4, LONG"), L"", L""},
+    rows.push_back({.cells = {TextWith(L"Type an address here, or a name: {1}+8, [{2}+16], i = {2}-4, LONG",
+                                       {StackPointerName(program.x64), FramePointerName(program.x64)}),
+                              L"", L""},
                     .tone = ListTone::Quiet});
     return rows;
 }

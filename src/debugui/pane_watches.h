@@ -47,6 +47,7 @@ struct WatchList {
 struct WatchProgram {
     bool session = false;
     bool stopped = false;
+    bool x64 = true;
     std::uint64_t serial = 0;  // of the stop
     std::function<Evaluation(const std::wstring& expression)> evaluate;
     std::function<std::optional<WatchKind>(const std::wstring& expression)> kindOf = nullptr;  // of a name

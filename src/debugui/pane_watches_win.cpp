@@ -32,6 +32,7 @@ void FillWatches(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
     content.rows = WatchRows(g_list, {.session = program.session,
                                       .stopped = program.stopped,
+                                      .x64 = !program.session || g_debugger.isX64 != 0,
                                       .serial = program.serial,
                                       .evaluate = PaneEvaluatePlace,
                                       .kindOf = PaneKindOf,

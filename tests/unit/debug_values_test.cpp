@@ -331,6 +331,9 @@ TEST(WatchRows, SayWhatIsWrongAndEndWithTheNewOne) {
     EXPECT_EQ(rows[1].tone, ListTone::Problem);
     EXPECT_EQ(rows[1].cells[2], kUnreadableWatch);
     EXPECT_EQ(rows[2].tone, ListTone::Quiet);
+    now.program.x64 = false;
+    EXPECT_EQ(WatchRows(list, now.program)[2].cells[0],
+              L"Type an address here, or a name: ESP+8, [EBP+16], i = EBP-4, LONG");
     EXPECT_EQ(WatchAt(list.watches, 1), &list.watches[1]);
     EXPECT_EQ(WatchAt(list.watches, 2), nullptr);
     EXPECT_EQ(WatchAt(list.watches, -1), nullptr);

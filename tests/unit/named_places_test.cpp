@@ -320,6 +320,8 @@ TEST(LocalRows, ShowEveryVariableOfTheProcedure) {
     now.owner = L"other";
     EXPECT_EQ(shown(),
               "Twice, a.bas| n| s| half| Take over the name of Once, which is no longer in this file| " + rest);
+    now.x64 = false;
+    EXPECT_EQ(LocalRowsOf(now, &kept).rows[1].cells.back(), L"Type its place, such as EBP-4");
     EXPECT_EQ(static_cast<int>(LocalActionOf(LocalMeaning::Named, -1)), static_cast<int>(LocalAction::EditValue));
     EXPECT_EQ(static_cast<int>(LocalActionOf(LocalMeaning::Declared, 0)), static_cast<int>(LocalAction::EditPlace));
 }
