@@ -82,6 +82,8 @@ LRESULT OnTreeMoved(HWND window, WPARAM wParam, LPARAM lParam) {
     const UINT flags = reinterpret_cast<const WINDOWPOS*>(lParam)->flags;
     if ((flags & SWP_HIDEWINDOW) != 0) OnTreeHidden();
     if ((flags & SWP_SHOWWINDOW) != 0 && g_tree.stale) ProjectTreePopulate();
+    if ((flags & SWP_NOSIZE) == 0 && g_tree.top == nullptr)
+        InvalidateRect(window, nullptr, TRUE);  // the hint is centred
     return moved;
 }
 
@@ -116,10 +118,25 @@ LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wPara
     return SubclassNext(window, message, wParam, lParam);
 }
 
+// A tree without a folder says how it gets one.
+void DrawTreeHint(HDC dc) {
+    RECT area = {};
+    GetClientRect(TreeWindow(), &area);
+    InflateRect(&area, -UiScaled(12), -UiScaled(12));
+    const HGDIOBJ oldFont = SelectObject(dc, UiFont());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, ThemeQuietText());
+    DrawTextW(dc, Text(L"Choose a folder with Project > Choose Project Folder to see its files here."), -1, &area,
+              DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
+    SelectObject(dc, oldFont);
+}
+
 // In the dark theme the system's light bar of a selection without the focus would hide the light text on it. What is no
 // file is quiet.
 LRESULT ColourTreeItem(NMTVCUSTOMDRAW& draw) {
-    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    const bool empty = g_tree.top == nullptr;
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return empty ? CDRF_NOTIFYPOSTPAINT : CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage == CDDS_POSTPAINT && empty) DrawTreeHint(draw.nmcd.hdc);
     if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT) return CDRF_DODEFAULT;
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const auto* const node = reinterpret_cast<const TreeNode*>(draw.nmcd.lItemlParam);
