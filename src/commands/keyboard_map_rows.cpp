@@ -35,6 +35,7 @@ constexpr EditorKey kEditorKeys[] = {
     {L"Alt+Shift+Down", English(L"Select a column downwards")},
     {L"Alt+Shift+Left", English(L"Select a column to the left")},
     {L"Alt+Shift+Right", English(L"Select a column to the right")},
+    {L"Esc", English(L"Leave one caret of several or of a column")},
     {L"Tab", English(L"Indent the selected lines")},
     {L"Shift+Tab", English(L"Take an indentation back")},
 };

@@ -69,3 +69,5 @@ void CaretSelectEach(HWND editor);
 bool CaretsAreColumns(HWND editor);  // a selection of columns
 // Makes the main selection one of columns between the same corners, or a selection of columns an ordinary one.
 void CaretsToggleColumns(HWND editor);
+// Leaves one caret of a selection of columns. False: there is none.
+bool CaretsEndColumns(HWND editor);

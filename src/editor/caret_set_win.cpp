@@ -242,6 +242,14 @@ void CaretSelectEach(HWND editor) {
         Tell(editor, FormatW(Text(L"%d selections: the first ones"), static_cast<int>(kMostCarets)));
 }
 
+bool CaretsEndColumns(HWND editor) {
+    if (!CaretsAreColumns(editor)) return false;
+    const LRESULT caret = PaneSend(editor, SCI_GETRECTANGULARSELECTIONCARET);
+    PaneSend(editor, SCI_CLEARSELECTIONS);
+    PaneSend(editor, SCI_SETEMPTYSELECTION, caret);
+    return true;
+}
+
 void CaretsToggleColumns(HWND editor) {
     if (editor == nullptr) return;
     if (CaretsAreColumns(editor)) {

@@ -7,6 +7,7 @@
 #include "base/path.h"
 #include "base/texts.h"
 #include "editor/caret_place.h"
+#include "editor/caret_set.h"
 #include "editor/editor_pane.h"
 #include "editor/line_commands.h"
 #include "editor/margins.h"
@@ -293,6 +294,8 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
             if (wParam == VK_RETURN) return OnPaneNewLine(pane, message, wParam, lParam);
             if (wParam == VK_TAB) return OnPaneTabKey(pane, wParam, lParam);
             if (wParam == VK_BACK || wParam == VK_DELETE) return OnPaneEraseKey(pane, wParam, lParam);
+            if (wParam == VK_ESCAPE && CaretsEndColumns(pane))
+                return 0;  // Scintilla ends only carets that are no column
             if (LeavesLine(wParam) && TakeTypedWord(pane)) EditorPaneAfterLeaving(pane);
             break;
         case WM_SETCURSOR:

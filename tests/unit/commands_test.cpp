@@ -278,8 +278,8 @@ std::set<std::string> KeysOfControl() {
         {"SCI_CTRL_META", "Ctrl+"}, {"SCI_SCTRL_META", "Ctrl+Shift+"}, {"SCI_CSHIFT", "Ctrl+Shift+"},
         {"SCI_ALT", "Alt+"},        {"SCI_ASHIFT", "Alt+Shift+"}};
     static const std::map<std::string, std::string> kNames = {
-        {"Add", "Num+"},      {"Subtract", "Num-"},  {"Divide", "Num/"}, {"Prior", "PageUp"},
-        {"Next", "PageDown"}, {"Back", "Backspace"}, {"Delete", "Del"},  {"Insert", "Ins"}};
+        {"Add", "Num+"},       {"Subtract", "Num-"}, {"Divide", "Num/"}, {"Prior", "PageUp"}, {"Next", "PageDown"},
+        {"Back", "Backspace"}, {"Delete", "Del"},    {"Insert", "Ins"},  {"Escape", "Esc"}};
     std::set<std::string> keys;
     std::istringstream lines(ReadBytes(std::string(KVX_ROOT_DIR) + "/third_party/scite/scintilla/src/KeyMap.cxx"));
     const std::regex row(R"rx(^\s*\{(?:Keys::(\w+)|Key\('(\\?.)'\)),\s*(SCI_\w+),)rx");

@@ -155,6 +155,12 @@ TEST(Bars, TheSelectionBecomesOneOfColumnsAndBack) {
     editor.Do(IDM_SELECT_COLUMNS);
     EXPECT_EQ(editor.Sci(SCI_GETSELECTIONS), 1);
     EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 11);
+    editor.Sci(SCI_SETSELECTION, 11, 1);
+    editor.Do(IDM_SELECT_COLUMNS);
+    editor.Send(editor.Sci(), WM_KEYDOWN, VK_ESCAPE);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONMODE), SC_SEL_STREAM);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONS), 1);
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 11);
 }
 
 struct LineStep {
