@@ -100,10 +100,10 @@ void EndSplitterDrag() {
     ReleaseCapture();
 }
 
-// The mouse was lost before its button went up.
-void UndoSplitterDrag(const SplitterRow& row) {
+// The mouse was lost before its button went up. The bar stays where it is, but for Esc.
+void OnSplitterLostMouse(const SplitterRow& row) {
     if (!std::exchange(g_splitters.dragged, false)) return;
-    SetSplitter(row, g_splitters.dragUndo);
+    if (MouseDragIsTakenBack()) SetSplitter(row, g_splitters.dragUndo);
     CaptureSplitterRatio();
 }
 
@@ -314,7 +314,7 @@ LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM l
         case WM_LBUTTONDBLCLK: RestoreSplitter(row); return 0;
         case WM_MOUSEMOVE: DragSplitter(row); return 0;
         case WM_LBUTTONUP: EndSplitterDrag(); return 0;
-        case WM_CAPTURECHANGED: UndoSplitterDrag(row); return 0;
+        case WM_CAPTURECHANGED: OnSplitterLostMouse(row); return 0;
         case WM_SETFOCUS:
         case WM_KILLFOCUS: OnSplitterFocus(window, message == WM_SETFOCUS); return 0;
         case WM_KEYDOWN: return OnSplitterKey(window, wParam) ? 0 : DefWindowProcW(window, message, wParam, lParam);

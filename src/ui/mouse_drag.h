@@ -4,8 +4,9 @@
 
 #include <windows.h>
 
-// The window gets the mouse until its button goes up. When it gets WM_CAPTURECHANGED before that, it puts everything as
-// it was before the drag.
+// The window gets the mouse until its button goes up. When it gets WM_CAPTURECHANGED before that, the drag is over: Esc
+// was pressed, or another window has come to the front.
 void MouseDragBegin(HWND window);
 bool MouseDragIsMessage(const MSG& message);  // true for Esc, which takes the drag back
-bool MouseDragCancel();                       // false when there is no drag
+bool MouseDragIsTakenBack();                  // asked at WM_CAPTURECHANGED: by Esc
+bool MouseDragCancel();                       // ends the drag; false when there is none

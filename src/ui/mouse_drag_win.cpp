@@ -3,6 +3,7 @@
 namespace {
 
 HWND g_window = nullptr;  // of the latest drag
+bool g_takenBack = false;
 
 }  // namespace
 
@@ -13,8 +14,13 @@ void MouseDragBegin(HWND window) {
 
 bool MouseDragIsMessage(const MSG& message) {
     if (message.message != WM_KEYDOWN || message.wParam != VK_ESCAPE) return false;
-    return MouseDragCancel();
+    g_takenBack = true;
+    const bool dragged = MouseDragCancel();
+    g_takenBack = false;
+    return dragged;
 }
+
+bool MouseDragIsTakenBack() { return g_takenBack; }
 
 bool MouseDragCancel() {
     if (g_window == nullptr || GetCapture() != g_window) return false;

@@ -394,6 +394,20 @@ void DragAndTakeBack(const Editor& editor, HWND window, POINT from, POINT to) {
     Mouse(MOUSEEVENTF_LEFTUP);
 }
 
+void DragAndLoseMouse(const Editor& editor, HWND window, POINT from, POINT to) {
+    POINT end = to;
+    ClientToScreen(window, &end);
+    DragTo(editor, window, from, to);
+    EXPECT_TRUE(WaitFor([&] {
+        POINT held = from;
+        ClientToScreen(window, &held);
+        return held.x == end.x && held.y == end.y;
+    })) << "the window does not follow the mouse";
+    editor.Send(window, WM_CANCELMODE);
+    EXPECT_EQ(editor.Input().hwndCapture, nullptr);
+    Mouse(MOUSEEVENTF_LEFTUP);
+}
+
 void Editor::Click(HWND window, POINT at, DWORD down, int times) const {
     ClientToScreen(window, &at);
     MouseTo(at);

@@ -266,7 +266,7 @@ TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
         POINT by;
         Sizes change;
         int beside = 0;  // pixels from the middle of the bar at which the mouse takes it
-        bool escape = false;
+        void (*drag)(const Editor&, HWND, POINT, POINT) = nullptr;  // null: until the button goes up
     };
     const Case cases[] = {
         {"output up", IDC_SPLIT_OUTPUT, {0, -60}, {60, 0, 0, 0}},
@@ -274,9 +274,10 @@ TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
         {"assembly to the left", IDC_SPLIT_ASM, {-50, 0}, {0, 50, 0, 0}},
         {"tree to the left", IDC_SPLIT_TREE, {-30, 0}, {0, 0, -30, 0}},
         {"tree to the right, beyond its first width", IDC_SPLIT_TREE, {90, 0}, {0, 0, 90, 0}, 4},
-        {"tree to the right, and taken back", IDC_SPLIT_TREE, {60, 0}, {0, 0, 0, 0}, 0, true},
+        {"tree to the right, and taken back", IDC_SPLIT_TREE, {60, 0}, {0, 0, 0, 0}, 0, DragAndTakeBack},
         {"tree to the left again", IDC_SPLIT_TREE, {-90, 0}, {0, 0, -90, 0}, -4},
-        {"output up, and taken back", IDC_SPLIT_OUTPUT, {0, -70}, {0, 0, 0, 0}, 0, true},
+        {"tree to the right, and the mouse lost", IDC_SPLIT_TREE, {30, 0}, {0, 0, 30, 0}, 0, DragAndLoseMouse},
+        {"output up, and taken back", IDC_SPLIT_OUTPUT, {0, -70}, {0, 0, 0, 0}, 0, DragAndTakeBack},
         {"debug pane to the left", IDC_SPLIT_DEBUG, {-90, 0}, {0, 0, 0, 90}},
     };
     for (const Case& c : cases) {
@@ -287,7 +288,7 @@ TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
         const HWND bar = editor.Child(c.bar);
         const POINT from{Width(editor, bar) / 2 + c.beside, Height(editor, bar) / 2};
         const POINT to{from.x + c.by.x, from.y + c.by.y};
-        c.escape ? DragAndTakeBack(editor, bar, from, to) : editor.Drag(bar, from, to);
+        c.drag != nullptr ? c.drag(editor, bar, from, to) : editor.Drag(bar, from, to);
         EXPECT_TRUE(WaitFor([&] { return sizes() == wanted; }))
             << ::testing::PrintToString(sizes()) << " instead of " << ::testing::PrintToString(wanted);
         ExpectTidy(editor);
