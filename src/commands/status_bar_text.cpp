@@ -22,7 +22,9 @@ std::wstring SelectionText(const SelectionFacts& facts) {
     if (facts.selections > 1) text = TextWith(L"{1} selections", {GroupedNumber(facts.selections)});
     if (facts.characters == 0 && facts.selections <= 1 && facts.length < 0) return {};
     if (facts.characters == 0)
-        return facts.selections > 1 ? text : TextWith(L"{1} bytes in all", {GroupedNumber(facts.length)});
+        return facts.selections > 1 ? text
+                                    : TextWith(facts.length == 1 ? L"{1} byte in all" : L"{1} bytes in all",
+                                               {GroupedNumber(facts.length)});
     if (facts.selections == 1 && facts.lines > 1) text = TextWith(L"{1} lines", {GroupedNumber(facts.lines)});
     if (!text.empty()) text += L", ";
     const wchar_t* const one = facts.inBytes ? English(L"{1} byte") : English(L"{1} character");

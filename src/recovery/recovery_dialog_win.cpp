@@ -115,7 +115,7 @@ std::wstring TimeText(const FILETIME& time) {
 }
 
 std::wstring SizeText(std::uint64_t size) {
-    if (size < 1024) return FormatW(Text(L"%llu bytes"), size);
+    if (size < 1024) return TextWith(size == 1 ? L"{1} byte" : L"{1} bytes", {std::to_wstring(size)});
     if (size < (1 << 20)) return FormatW(Text(L"%llu kB"), (size + 512) >> 10U);
     return FormatW(Text(L"%llu MB"), (size + (1 << 19)) >> 20U);
 }

@@ -187,6 +187,7 @@ TEST(StatusBar, WhatIsSelected) {
     EXPECT_EQ(SelectionText({.selections = 3, .characters = 120}), L"3 selections, 120 characters");
     EXPECT_EQ(SelectionText({.selections = 3}), L"3 selections");
     EXPECT_EQ(SelectionText({.length = 1234567}), L"1,234,567 bytes in all");
+    EXPECT_EQ(SelectionText({.length = 1}), L"1 byte in all");
     EXPECT_EQ(SelectionText({.lines = 2, .characters = 1}), L"2 lines, 1 character");
     EXPECT_EQ(SelectionText({.characters = 1000, .inBytes = true}), L"1,000 bytes");
     EXPECT_EQ(ZoomText(12, 0), L"100 %");
