@@ -127,6 +127,7 @@ void LayOutFilesPane() {
     ListSend(LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(std::max<int>(client.right - UiMetric(SM_CXVSCROLL) - 1, 1), 0));
     PlaceButtons();
     InvalidateRect(g_filesPane.pane, nullptr, FALSE);
+    InvalidateRect(g_filesPane.list, nullptr, FALSE);  // what a row shows around its hit depends on the width
 }
 
 std::wstring SummaryNow() {

@@ -2,6 +2,7 @@
 #include "harness.h"
 
 #include "resources/ids.h"
+#include "window/readable.h"
 
 #include <commctrl.h>
 
@@ -106,6 +107,22 @@ TEST(FilesSearch, FindsGoesAndFollowsEdits) {
             for (const wchar_t c : root) escaped += c == L'\\' ? std::wstring(2, c) : std::wstring(1, c);
             return escaped;
         }() + L"||.git;.svn;.hg|");
+}
+
+TEST(FilesSearch, RowsHaveNothingLeftOfAnotherWidth) {
+    ProgramFolder folder;
+    folder.Write(L"p\\a.bas",
+                 "' before the one and the only needle that is there comes this, and this stands behind it\r\n");
+    Editor editor(folder);
+    const FilesSearch search(editor);
+    search.Start(IDM_FILES_FIND, L"needle", folder.File(L"p"));
+    ASSERT_TRUE(search.Ended());
+    for (const int command : {IDM_VIEW_ASM, IDM_VIEW_DEBUG_PANE, IDM_VIEW_DEBUG_PANE, IDM_VIEW_ASM}) {
+        editor.Do(command);
+        const Picture shown = PictureAtRest(search.List());
+        InvalidateRect(search.List(), nullptr, TRUE);
+        EXPECT_EQ(shown.pixels, PictureAtRest(search.List()).pixels) << command;
+    }
 }
 
 TEST(FilesSearch, ReplacesOpenAndClosedFiles) {
