@@ -454,6 +454,8 @@ std::wstring NameOfExtraKey(const ExtraKey& key) {
     return name + static_cast<wchar_t>(key.key);
 }
 
+bool MenuKeyIsOfAnother(int command) { return command == IDM_DEBUG_START; }
+
 std::wstring FirstExtraKeyOf(int command) {
     const auto* const key = std::ranges::find(kExtraKeys, command, &ExtraKey::command);
     return key != std::end(kExtraKeys) ? NameOfExtraKey(*key) : std::wstring();

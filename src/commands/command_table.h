@@ -99,6 +99,8 @@ struct ExtraKey {
 };
 std::span<const ExtraKey> ExtraKeys();
 std::wstring NameOfExtraKey(const ExtraKey& key);  // as menus write it: "Ctrl+Shift+F5"
-std::wstring FirstExtraKeyOf(int command);         // its name; empty: the command has none
+// The menu shows F5 at Start Debugging, too, but the key is that of Build & Run.
+bool MenuKeyIsOfAnother(int command);
+std::wstring FirstExtraKeyOf(int command);  // its name; empty: the command has none
 // The command of a key, or 0. `key` is a virtual key; `inEditor`: an editor has the keyboard.
 int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt, bool inEditor);

@@ -182,8 +182,7 @@ std::span<const PaneKey> PaneKeys() { return kPaneKeys; }
 
 std::vector<KeyMapRow> AllKeyRows(std::vector<KeyMapRow> ofMenu) {
     std::vector<KeyMapRow> rows = std::move(ofMenu);
-    // The menu shows F5 at Start Debugging too, but the key is that of Build & Run, which continues a stopped program.
-    std::erase_if(rows, [](const KeyMapRow& row) { return row.keys.empty() || row.command == IDM_DEBUG_START; });
+    std::erase_if(rows, [](const KeyMapRow& row) { return row.keys.empty() || MenuKeyIsOfAnother(row.command); });
     for (KeyMapRow& row : rows)
         if (row.command == IDM_BUILD_RUN) row.name = Text(L"Build & Run, or Continue while the program is stopped");
     for (const UnlistedCommands& unlisted : kUnlisted)

@@ -46,7 +46,7 @@ std::wstring CommandMenuText(HMENU menu, int command) {
 }
 
 std::wstring CommandKeys(int command, const std::wstring& shown) {
-    std::wstring keys = shown;
+    std::wstring keys = MenuKeyIsOfAnother(command) ? L"" : shown;
     for (const ExtraKey& extra : ExtraKeys()) {
         const std::wstring name = NameOfExtraKey(extra);
         if (extra.command != command || name == shown) continue;

@@ -12,6 +12,7 @@
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
 #include "tabs/tabs_state.h"
+#include "ui/dialog_theme.h"
 #include "ui/dpi.h"
 #include "ui/panes.h"
 #include "ui/theme_table.h"
@@ -57,7 +58,9 @@ void ChooseEditorFont(int) {
     dialog.lpLogFont = &font;
     dialog.nSizeMin = 6;
     dialog.nSizeMax = 72;
-    dialog.Flags = CF_SCREENFONTS | CF_INITTOLOGFONTSTRUCT | CF_LIMITSIZE | CF_FORCEFONTEXIST | CF_NOSCRIPTSEL;
+    dialog.Flags =
+        CF_SCREENFONTS | CF_INITTOLOGFONTSTRUCT | CF_LIMITSIZE | CF_FORCEFONTEXIST | CF_NOSCRIPTSEL | CF_ENABLEHOOK;
+    dialog.lpfnHook = ChooserThemeHook;
     if (!ChooseFontW(&dialog)) return;
     SettingsChange([&](Settings& settings) {
         SafeCopyW(settings.fontName, font.lfFaceName);

@@ -7,6 +7,7 @@
 #include "ui/chrome.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
+#include "ui/list_view.h"
 #include "ui/paint.h"
 
 #include <algorithm>
@@ -144,9 +145,7 @@ void DrawResultRow(HDC dc, int index) {
         SendMessageW(g_filesPane.list, LVM_GETITEMSTATE, static_cast<WPARAM>(index), LVIS_SELECTED) != 0;
     const bool focused = GetFocus() == g_filesPane.list;
     const COLORREF back = selected ? ThemeSelectedBack(focused) : chrome.paneBack;
-    FillArea(dc, bounds, back);
-    if (selected && focused)
-        FillArea(dc, {bounds.left, bounds.top, bounds.left + UiScaled(2), bounds.bottom}, chrome.accent);
+    ListRowFill(dc, bounds, back, selected, focused);
     SetBkMode(dc, TRANSPARENT);
     const HGDIOBJ oldFont = GetCurrentObject(dc, OBJ_FONT);
     const ResultRow row = g_files.results.RowAt(static_cast<std::size_t>(index));

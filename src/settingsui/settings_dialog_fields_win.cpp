@@ -14,6 +14,7 @@
 #include "ui/chrome.h"
 #include "ui/clipboard.h"
 #include "ui/control_theme.h"
+#include "ui/dialog_theme.h"
 #include "ui/form_layout.h"
 #include "ui/paint.h"
 #include "ui/path_dialog.h"
@@ -207,7 +208,8 @@ void ChooseColour(SettingsDialog& dialog, FormPlace place) {
     request.hwndOwner = dialog.window;
     request.rgbResult = static_cast<COLORREF>(ColourOfText(TextAt(dialog, place)).value_or(0x808080));
     request.lpCustColors = ownColours;
-    request.Flags = CC_RGBINIT | CC_FULLOPEN;
+    request.Flags = CC_RGBINIT | CC_FULLOPEN | CC_ENABLEHOOK;
+    request.lpfnHook = ChooserThemeHook;
     if (ChooseColorW(&request) == FALSE) return;
     constexpr COLORREF kNearlyBlack = 0x010101;  // black means that there is no colour
     const COLORREF colour = request.rgbResult != 0 ? request.rgbResult : kNearlyBlack;

@@ -2,6 +2,7 @@
 
 #include "files/libraries.h"
 #include "ui/subclass.h"
+#include "ui/window_kind.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
@@ -154,12 +155,6 @@ IAccessible* ObjectOfControl(HWND window, WPARAM wParam, LRESULT usual) {
         usual > 0 ? Functions().objectOf(usual, __uuidof(IAccessible), wParam, &object)
                   : Functions().standardObject(window, static_cast<LONG>(OBJID_CLIENT), __uuidof(IAccessible), &object);
     return SUCCEEDED(result) ? static_cast<IAccessible*>(object) : nullptr;
-}
-
-bool IsOfClass(HWND window, const wchar_t* name) {
-    wchar_t kind[32] = {};
-    GetClassNameW(window, kind, static_cast<int>(std::size(kind)));
-    return lstrcmpiW(kind, name) == 0;
 }
 
 LRESULT CALLBACK NamedProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR name) {

@@ -20,7 +20,7 @@ namespace {
 constexpr int kBoxSize = 13;  // at 96 dpi, like the next one
 constexpr int kBoxGap = 5;
 // What the program draws of a control. The frame of kFramed belongs to its non-client area; kCombo has one of its own.
-enum ControlKind : DWORD_PTR { kPushButton, kBox, kCombo, kFramed, kProgress, kOther };
+enum ControlKind : DWORD_PTR { kPushButton, kBox, kCombo, kFramed, kProgress, kGroup, kOther };
 
 ControlKind KindOfButton(HWND button) {
     switch (GetWindowLongPtrW(button, GWL_STYLE) & BS_TYPEMASK) {
@@ -28,6 +28,7 @@ ControlKind KindOfButton(HWND button) {
         case BS_DEFPUSHBUTTON: return kPushButton;
         case BS_CHECKBOX:
         case BS_AUTOCHECKBOX: return kBox;
+        case BS_GROUPBOX: return kGroup;
         default: return kOther;
     }
 }
@@ -36,7 +37,9 @@ ControlKind KindOfControl(HWND control) {
     wchar_t name[32] = {};
     GetClassNameW(control, name, static_cast<int>(std::size(name)));
     if (lstrcmpiW(name, WC_BUTTONW) == 0) return KindOfButton(control);
-    if (lstrcmpiW(name, WC_COMBOBOXW) == 0) return kCombo;
+    if (lstrcmpiW(name, WC_COMBOBOXW) == 0)
+        return (GetWindowLongPtrW(control, GWL_STYLE) & 3) == CBS_SIMPLE ? kOther
+                                                                         : kCombo;  // a list that is always open
     if (lstrcmpiW(name, PROGRESS_CLASSW) == 0) return kProgress;
     const bool framed = (GetWindowLongPtrW(control, GWL_STYLE) & WS_BORDER) != 0 ||
                         (GetWindowLongPtrW(control, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0;
@@ -248,11 +251,17 @@ void ThemeCombo(HWND combo) {
     if (info.hwndItem != nullptr && info.hwndItem != combo) TextInsetCentre(info.hwndItem);
 }
 
-// A bar with a visual style would not take the colours. " " names a style that there is not; Wine ignores an empty name.
+// A bar or a group with a visual style would not take the colours. " " names a style that there is not; Wine ignores an
+// empty name.
+void LeaveVisualStyle(HWND control) {
+    const wchar_t* const none = ThemeDrawsControls() ? L" " : nullptr;
+    SetWindowTheme(control, none, none);
+}
+
 void ThemeProgress(HWND bar) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const bool drawn = ThemeDrawsControls();
-    SetWindowTheme(bar, drawn ? L" " : nullptr, drawn ? L" " : nullptr);
+    LeaveVisualStyle(bar);
     SendMessageW(bar, PBM_SETBKCOLOR, 0, static_cast<LPARAM>(drawn ? chrome.line : CLR_DEFAULT));
     SendMessageW(bar, PBM_SETBARCOLOR, 0, static_cast<LPARAM>(drawn ? chrome.accent : CLR_DEFAULT));
 }
@@ -263,6 +272,7 @@ void ControlApplyTheme(HWND control) {
     if (control == nullptr) return;
     const ControlKind kind = KindOfControl(control);
     if (kind == kProgress) return ThemeProgress(control);
+    if (kind == kGroup) return LeaveVisualStyle(control);
     if (kind == kOther) return;
     SubclassAdd(control, ControlProc, kind);  // setting it again changes nothing
     if (kind == kCombo) ThemeCombo(control);

@@ -15,6 +15,8 @@ INT_PTR DialogColourOfProblem(HDC dc, HWND control, int problem);
 // Shows the new theme in all dialogs that are open.
 void DialogsRenewTheme();
 // Colours a box of MessageBoxW that is complete and not yet painted.
+// The hook of the system's choosers of fonts and colours, which gives them the colours of the program's own dialogs.
+UINT_PTR CALLBACK ChooserThemeHook(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 void MessageBoxApplyTheme(HWND box);
 
 // Words on the buttons of a message box, null: the system's; and whether a button takes its letter only with Alt

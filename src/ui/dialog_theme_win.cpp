@@ -1,5 +1,6 @@
 #include "ui/dialog_theme.h"
 
+#include "base/handles.h"
 #include "base/texts.h"
 #include "files/libraries.h"
 #include "ui/chrome.h"
@@ -14,11 +15,13 @@
 #include "ui/window_text.h"
 
 #include <commctrl.h>
+#include <commdlg.h>
+#include <dlgs.h>
 
 namespace {
 
 constexpr wchar_t kKindProperty[] = L"KvxDialogKind";  // of a dialog that has been themed
-enum DialogKind : DWORD_PTR { kOwnDialog = 1, kMessageBox };
+enum DialogKind : DWORD_PTR { kOwnDialog = 1, kMessageBox, kChooser };
 
 BOOL CALLBACK ThemeChild(HWND child, LPARAM) {
     ControlApplyTheme(child);
@@ -50,6 +53,29 @@ void PaintNothing(HWND dialog) {
     EndPaint(dialog, &paint);
 }
 
+// The sample of the chooser of fonts, which the system paints in colours of its own.
+void PaintFontSample(HWND dialog) {
+    const HWND sample = GetDlgItem(dialog, stc5);
+    LOGFONTW shape = {};
+    if (sample == nullptr) return;
+    SendMessageW(dialog, WM_CHOOSEFONT_GETLOGFONT, 0, reinterpret_cast<LPARAM>(&shape));
+    const UniqueFont font(CreateFontIndirectW(&shape));
+    RECT area = {};
+    GetWindowRect(sample, &area);
+    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&area), 2);
+    const HDC dc = GetDC(dialog);
+    if (dc == nullptr) return;
+    FillArea(dc, area, ThemeCurrentChrome().paneBack);
+    FrameArea(dc, area, ThemeCurrentChrome().line);
+    IntersectClipRect(dc, area.left, area.top, area.right, area.bottom);
+    const HGDIOBJ before = SelectObject(dc, font.Get());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, ThemeCurrentChrome().paneText);
+    DrawTextW(dc, L"AaBbYyZz", -1, &area, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+    SelectObject(dc, before);
+    ReleaseDC(dialog, dc);
+}
+
 LRESULT CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR kind) {
     if (message == WM_NCDESTROY) {
         RemovePropW(dialog, kKindProperty);
@@ -71,8 +97,10 @@ LRESULT CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPa
         case WM_CTLCOLORLISTBOX: return ColoursOfControl(dialog, message, wParam, lParam);
         case WM_ERASEBKGND: return EraseDialog(dialog, reinterpret_cast<HDC>(wParam));
         case WM_PAINT:
-            if (kind != kMessageBox) break;
-            PaintNothing(dialog);
+            if (kind == kOwnDialog) break;
+            if (kind == kMessageBox) return PaintNothing(dialog), 0;
+            SubclassNext(dialog, message, wParam, lParam);
+            PaintFontSample(dialog);
             return 0;
         default: break;
     }
@@ -111,6 +139,21 @@ BOOL CALLBACK RenewWindow(HWND window, LPARAM) {
     ListViewsRenew(window);
     RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
     return TRUE;
+}
+
+// The rows of a chooser's lists, which the system would draw in its own colours.
+void DrawChooserRow(const DRAWITEMSTRUCT& item) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    FillArea(item.hDC, item.rcItem, (item.itemState & ODS_SELECTED) != 0 ? chrome.selected : chrome.paneBack);
+    const LRESULT length = SendMessageW(item.hwndItem, CB_GETLBTEXTLEN, item.itemID, 0);
+    if (length <= 0) return;
+    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
+    SendMessageW(item.hwndItem, CB_GETLBTEXT, item.itemID, reinterpret_cast<LPARAM>(text.data()));
+    RECT area = item.rcItem;
+    area.left += UiScaled(3);
+    SetBkMode(item.hDC, TRANSPARENT);
+    SetTextColor(item.hDC, chrome.paneText);
+    DrawTextW(item.hDC, text.c_str(), -1, &area, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
 }
 
 }  // namespace
@@ -153,6 +196,16 @@ void MessageBoxApplyTheme(HWND box) {
     if (!ThemeDrawsControls()) return;
     WindowDpiKeep(box, static_cast<int>(GetDpiForWindow(box)));
     ThemeDialog(box, kMessageBox);
+}
+
+UINT_PTR CALLBACK ChooserThemeHook(HWND dialog, UINT message, WPARAM, LPARAM lParam) {
+    if (!ThemeDrawsControls()) return FALSE;
+    if (message == WM_INITDIALOG) ThemeDialog(dialog, kChooser);
+    if (message != WM_DRAWITEM) return FALSE;
+    const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+    if (item.CtlType != ODT_COMBOBOX) return FALSE;
+    DrawChooserRow(item);
+    return TRUE;
 }
 
 INT_PTR DialogColourOfProblem(HDC dc, HWND control, int problem) {

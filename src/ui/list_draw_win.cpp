@@ -106,9 +106,7 @@ void DrawListRow(const ListView& list, HDC dc, int index) {
     line.bottom = bounds.bottom;
     const bool focused = GetFocus() == list.window;
     const COLORREF back = ColourOf(RowBackOf(row, list.content->stale, selected, focused));
-    FillArea(dc, line, back);
-    if (selected && focused)
-        FillArea(dc, {line.left, line.top, line.left + UiScaled(2), line.bottom}, ThemeCurrentChrome().accent);
+    ListRowFill(dc, line, back, selected, focused);
     SetBkMode(dc, TRANSPARENT);
     const COLORREF mark = ThemeInkOn(back, ColourOf(MarkColourOf(row, list.content->stale)));
     if (list.kind->hasMarks) DrawListMark(dc, row.mark, bounds, mark, back);
@@ -135,6 +133,13 @@ int ListViewCellPadding() { return UiScaled(kCellPadding); }
 
 int ListViewMarkWidth(const ListKind& kind, int column) {
     return column == 0 && kind.hasMarks ? UiScaled(kMarkWidth) : 0;
+}
+
+void ListRowFill(HDC dc, const RECT& row, COLORREF back, bool selected, bool focused) {
+    const COLORREF accent = ThemeCurrentChrome().accent;
+    FillArea(dc, row, back);
+    if (selected && focused) FillArea(dc, {row.left, row.top, row.left + UiScaled(2), row.bottom}, accent);
+    if (selected && !focused && SystemHighContrast()) FrameArea(dc, row, accent);
 }
 
 void ListRowRepaint(const NMLISTVIEW& changed) {

@@ -69,6 +69,9 @@ bool ListViewHandleNotify(ListView& list, const NMHDR& header, LRESULT* result);
 // The same in a dialog: sets DWLP_MSGRESULT, and returns what the dialog's procedure is to return.
 INT_PTR ListViewHandleDialogNotify(HWND dialog, ListView& list, const NMHDR& header);
 
+// The ground of a row that is drawn up to its edges: `back`, with the bar of a selection in a list that has the keyboard. A
+// selection without it has a frame in the high-contrast mode, where a tint is hardly seen.
+void ListRowFill(HDC dc, const RECT& row, COLORREF back, bool selected, bool focused);
 // For LVN_ITEMCHANGED of a list view whose rows are drawn up to its edges: the control itself leaves out the edge, where
 // a selection that has moved on would stay.
 void ListRowRepaint(const NMLISTVIEW& changed);

@@ -152,6 +152,11 @@ TEST_P(ContrastOf, BoxesThatAsk) {
         }
         editor.Press(settings, IDCANCEL);
 
+        editor.Post(IDM_STYLE_FONT);  // the system's own, whose controls have the names that it gives them
+        const Dialog font = editor.AwaitDialog(L"Font");
+        EXPECT_GT(ExpectTextsReadable(editor, "chooser of fonts", font.window), 8);
+        editor.Press(font, IDCANCEL);
+
         if (waveInGetNumDevs() != 0) {  // a machine with a microphone
             editor.Post(IDM_AI_DO);
             ExpectBox(editor, L"AI Do: Say What to Change", 5, IDCANCEL);

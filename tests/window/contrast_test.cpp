@@ -1,8 +1,10 @@
-// Whether every text on the screen can be read, in both themes. The frame is on a scale of 200 %; dialogs come on the
+// Whether every text on the screen can be read, in both themes and in the high-contrast mode. The frame is on a scale of 200 %; dialogs come on the
 // scale of the system. What needs more than a command to come is measured in contrast_boxes_test.cpp.
 #include "debug_driver.h"
 #include "readable.h"
+#include "support/accessible_names.h"
 #include "support/text_contrast.h"
+#include "system_scheme.h"
 
 #include <string>
 #include <utility>
@@ -42,13 +44,17 @@ constexpr char kStops[] =
     "FUNCTION PBMAIN () AS LONG\r\n    LOCAL turn AS LONG\r\n    turn = 1\r\n    PRINT \"turn\"; turn\r\nEND "
     "FUNCTION\r\n";
 
-class Contrast : public ::testing::TestWithParam<int> {};
-
 struct Frame {
     const char* name;
     int theme, style;
+    SystemScheme::Kind scheme = SystemScheme::kUsual;
+
+    const wchar_t* Option() const { return scheme == SystemScheme::kUsual ? L"" : L" --high-contrast"; }
 };
-class ContrastOfFrame : public ::testing::TestWithParam<Frame> {};
+class Contrast : public ::testing::TestWithParam<Frame> {
+    const SystemScheme scheme_{GetParam().scheme};
+};
+class ContrastOfFrame : public Contrast {};
 
 TEST_P(ContrastOfFrame, EveryTextOnTheScreenCanBeRead) {
     ProgramFolder folder(kCompilers);
@@ -61,7 +67,8 @@ TEST_P(ContrastOfFrame, EveryTextOnTheScreenCanBeRead) {
     folder.SetIni(L"AI", L"ShowAISidebar", L"1");
     folder.KeepNoSession();
     folder.Write(L"stops.bas", kStops);
-    Editor editor(folder, OpenArgument(folder.Write(L"faulty.bas", kFaulty)) + L" --compiler KeldorBasic");
+    Editor editor(
+        folder, OpenArgument(folder.Write(L"faulty.bas", kFaulty)) + L" --compiler KeldorBasic" + GetParam().Option());
     editor.ShowAt(kDpi, 1278, 880);
     int words = 0;
     const auto look = [&](const std::string& where) {
@@ -90,8 +97,9 @@ TEST_P(ContrastOfFrame, EveryTextOnTheScreenCanBeRead) {
         EXPECT_GT(found, 0) << where << ": no words";
         words += found;
     };
-    // The menus of the program's own style in the light theme are the system's, on its scale.
-    const int menuLine = GetParam().theme == 0 && GetParam().style == 0 ? kPlainLine : kScaledLine;
+    // The menus of the program's own style in the light theme, and of high contrast, are the system's, on its scale.
+    const bool own = GetParam().theme != 0 || GetParam().style != 0;
+    const int menuLine = own && GetParam().scheme == SystemScheme::kUsual ? kScaledLine : kPlainLine;
     const auto menu = [&](const std::string& where) {
         ASSERT_TRUE(editor.AwaitMenu(true)) << where;
         popup(where, AwaitMenuWindow(editor), menuLine);
@@ -140,7 +148,7 @@ TEST_P(ContrastOfFrame, EveryTextOnTheScreenCanBeRead) {
 
 TEST_P(Contrast, TheListsOfTheDebuggerCanBeRead) {
     using namespace debug_driver;
-    const Session session(L"stops.bas", kStops, L"kvxa64", GetParam());
+    const Session session(L"stops.bas", kStops, L"kvxa64", GetParam().theme, GetParam().Option());
     session.editor.ShowAt(kDpi, 1278, 880);
     session.CaretTo(4);
     session.editor.Do(IDM_DEBUG_BREAKPOINT);
@@ -154,13 +162,18 @@ TEST_P(Contrast, TheListsOfTheDebuggerCanBeRead) {
         session.Select(tab);
         const std::string where = "view " + std::to_string(tab);
         EXPECT_GT(ExpectTextsReadable(session.editor, where, session.editor.main, kScaledLine), 20) << where;
+        ExpectNamed(where, session.pane);
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Themes, ContrastOfFrame, ::testing::Values(Frame{"Light", 0, 0}, Frame{"Dark", 1, 0}, Frame{"LightClassic", 0, 5}),
+    Themes, ContrastOfFrame,
+    ::testing::Values(Frame{"Light", 0, 0}, Frame{"Dark", 1, 0}, Frame{"LightClassic", 0, 5},
+                      Frame{"HighContrastBlack", 0, 0, SystemScheme::kBlack}),
     [](const auto& each) { return each.param.name; });
-INSTANTIATE_TEST_SUITE_P(Themes, Contrast, ::testing::Values(0, 1),
-                         [](const auto& each) { return each.param == 0 ? "Light" : "Dark"; });
+INSTANTIATE_TEST_SUITE_P(Themes, Contrast,
+                         ::testing::Values(Frame{"Light", 0, 0}, Frame{"Dark", 1, 0},
+                                           Frame{"HighContrastWhite", 1, 0, SystemScheme::kWhite}),
+                         [](const auto& each) { return each.param.name; });
 
 }  // namespace

@@ -32,10 +32,11 @@ struct Session {
     Editor editor;
     HWND pane;
 
-    Session(const std::wstring& fileName, std::string_view source, const std::wstring& compiler, int theme = 0)
+    Session(const std::wstring& fileName, std::string_view source, const std::wstring& compiler, int theme = 0,
+            const std::wstring& options = L"")
         : sourceName(fileName),
           editor(Prepared(folder, sourceName, source, theme),
-                 OpenArgument(folder.File(sourceName)) + L" --compiler " + compiler) {
+                 OpenArgument(folder.File(sourceName)) + L" --compiler " + compiler + options) {
         editor.Do(IDM_VIEW_DEBUG_PANE);
         pane = editor.Child(IDC_DEBUG_PANE);
     }

@@ -119,13 +119,21 @@ bool Near(Rgb a, Rgb b) {
     return std::max({part(0), part(8), part(16)}) < 40;
 }
 
+// The selection of the system's own controls has the colours of the system, which promises to be readable only in
+// high contrast.
+bool IsPoorSelection(const PictureWord& word) {
+    const Rgb ground = SystemRgb(COLOR_HIGHLIGHT);
+    return word.ground == ground && ThemeContrast(SystemRgb(COLOR_HIGHLIGHTTEXT), ground) < kReadableContrast;
+}
+
 // Of an item in a menu only the colour tells that it cannot be used.
 bool IsOffInMenu(const PictureWord& word) {
     const auto isOff = [&](const ChromePalette& frame) {
         return Near(word.ground, frame.statusBack) &&
                Near(word.text, ThemeBlend(frame.statusText, frame.statusBack, 128));
     };
-    if (Near(word.text, SystemRgb(COLOR_GRAYTEXT))) return true;
+    constexpr Rgb kGreyOfWine = 0x808080;  // whatever the system's grey is
+    if (Near(word.text, SystemRgb(COLOR_GRAYTEXT)) || Near(word.text, kGreyOfWine)) return true;
     for (int style = 0; style < static_cast<int>(EditorStyles().size()); ++style)
         if (isOff(ThemeChromePalette(style, true)) || isOff(ThemeChromePalette(style, false))) return true;
     return false;
@@ -138,9 +146,7 @@ int ExpectTextsReadable(const Editor& editor, const std::string& where, HWND win
     const std::vector<RECT> disabled = DisabledPlaces(editor, window), plain = PlainScalePlaces(editor, window);
     const bool menu = ClassOf(window) == kMenuClass;
     for (const PictureWord& word : words) {
-        // The selection of the system's own controls has the colours of the system.
-        if (IsWithin(word, disabled) || word.ground == SystemRgb(COLOR_HIGHLIGHT) || (menu && IsOffInMenu(word)))
-            continue;
+        if (IsWithin(word, disabled) || IsPoorSelection(word) || (menu && IsOffInMenu(word))) continue;
         const bool scaled = line >= kScaledLine && !IsWithin(word, plain);
         EXPECT_GE(word.contrast, scaled ? kReadableContrast : kThinStroke)
             << where << ": " << word.left << "," << word.top << " " << word.right - word.left << "x"

@@ -186,6 +186,10 @@ TEST(SettingsDialog, IsSearchedAndWorkedByKeysAlone) {
     ClipboardEmpty();
     editor.Send(dialog.Of(L"Keyboard", L"Copy List"), BM_CLICK);
     EXPECT_EQ(ClipboardText(), L"Toolbar > Buttons without room\tAlt+F2\r\n");
+    dialog.Set(dialog.Control(IDC_SETTINGS_SEARCH), L"start debugging");
+    editor.Send(dialog.Of(L"Keyboard", L"Copy List"), BM_CLICK);
+    EXPECT_NE(ClipboardText().find(L"Debug > Start Debugging\t\r\n"), std::wstring::npos)
+        << "the F5 of the menu is that of Build & Run";
     dialog.Set(dialog.Control(IDC_SETTINGS_SEARCH), L"nobody has this");
     EXPECT_TRUE(IsWindowVisible(dialog.Control(IDC_SETTINGS_NOTHING)));
     // A letter that is typed in the pages begins another search.
