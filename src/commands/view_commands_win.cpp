@@ -81,6 +81,16 @@ void TogglePane(int command) {
     PaneShow(pane.id, !seen);
 }
 
+// The panes in sight, one area after the other, as the eye goes: below the editor, right and left of it.
+std::vector<const PaneSpec*> PanesInOrder() {
+    std::vector<const PaneSpec*> panes;
+    for (const PaneArea area :
+         {PaneArea::Bottom, PaneArea::BottomRight, PaneArea::BelowBottom, PaneArea::Right, PaneArea::Left})
+        for (const PaneSpec& pane : Panes())
+            if (pane.area == area && IsWindowVisible(*pane.window)) panes.push_back(&pane);
+    return panes;
+}
+
 // Gives the keyboard to the next pane that is shown, or to the one before; the editor is the first of them, the two bars and
 // the tabs are the last.
 void FocusPaneBeside(int command) {
@@ -90,10 +100,9 @@ void FocusPaneBeside(int command) {
     const HWND focus = GetFocus();
     const PaneSpec* current = PaneOfWindow(focus);
     if (IsChild(g_ui.hStartPage, focus)) at = 1;
-    for (const PaneSpec& pane : Panes()) {
-        if (!IsWindowVisible(*pane.window)) continue;
-        if (&pane == current) at = stops.size();
-        stops.push_back(*pane.window);
+    for (const PaneSpec* pane : PanesInOrder()) {
+        if (pane == current) at = stops.size();
+        stops.push_back(*pane->window);
     }
     for (const HWND bar : {g_commands.hStatusBar, g_commands.hToolbar}) {
         if (!IsWindowVisible(bar)) continue;

@@ -228,6 +228,9 @@ TEST(View, BookmarksRecentFilesAndPanesAreWithinReach) {
     }
     editor.Keys({VK_SHIFT, VK_F6});
     EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_OUTPUT); }));
+    editor.Do(IDM_VIEW_FILES_RESULTS);  // beside the output
+    editor.Keys({VK_F6});
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_ERROR_LIST); })) << "the next one in sight";
     editor.Keys({VK_ESCAPE});
     EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
 
