@@ -139,5 +139,5 @@ void PendingMarksHide(HWND editor, const ByteRange& range) {
         SciSend(editor, SCI_ANNOTATIONSETVISIBLE, ANNOTATION_HIDDEN);  // first, because it makes clearing cheap
         SetAnnotations(editor, LinesOfRange(editor, range), {});
     });
-    SciSend(editor, SCI_MARKERDELETEALL, kMarkNewLine);
+    SciClearMarker(editor, kMarkNewLine);
 }

@@ -114,7 +114,7 @@ std::vector<int> LinesOfBreakpoints(HWND editor, DocumentId document) {
 void DrawLooks(DocumentId document) {
     const HWND editor = EditorOfDocument(document);
     if (editor == nullptr) return;
-    for (const int marker : kOverlays) SciSend(editor, SCI_MARKERDELETEALL, static_cast<WPARAM>(marker));
+    for (const int marker : kOverlays) SciClearMarker(editor, marker);
     for (const UserBreakpoint& breakpoint : g_list) {
         if (breakpoint.document != document) continue;
         switch (LookOfBreakpoint(breakpoint)) {
@@ -345,7 +345,7 @@ void BreakpointsRestoreMarkers(DocumentId document) {
     const HWND editor = EditorOfDocument(document);
     if (editor == nullptr) return;
     const std::wstring path = PathOfDocument(TabAt(TabBarFindDocument(document)));
-    SciSend(editor, SCI_MARKERDELETEALL, kMarkBreakpoint);  // replacing the text has left all of them on the first line
+    SciClearMarker(editor, kMarkBreakpoint);  // replacing the text has left all of them on the first line
     const int lines = static_cast<int>(SciSend(editor, SCI_GETLINECOUNT));
     for (UserBreakpoint& breakpoint : g_list) {
         if (breakpoint.document != 0 || !BelongsToDocument(breakpoint, document, path)) continue;

@@ -52,7 +52,7 @@ void FoldSignsUpdate(DocumentId document, HWND editor, std::span<const int> brea
     }
     // A sign that is not on its remembered line was moved by an edit of several lines, to an unknown line.
     const bool lost = !std::ranges::all_of(old, hasSign);
-    if (lost) SciSend(editor, SCI_MARKERDELETEALL, kMarkFolded);
+    if (lost) SciClearMarker(editor, kMarkFolded);
     for (const int line : old) AskLine(editor, SCI_MARKERDELETE, line, kMarkFolded);
     if (headers.empty()) return;
     for (const int line : headers) AskLine(editor, SCI_MARKERADD, line, kMarkFolded);

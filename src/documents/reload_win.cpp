@@ -92,7 +92,7 @@ bool ReloadLines(int tab, const LoadedFile& file) {
     EditorChangeLines(editor, text);
     const LRESULT topNow = SciSend(editor, SCI_MARKERLINEFROMHANDLE, static_cast<WPARAM>(topMark));
     const LRESULT caretNow = SciSend(editor, SCI_MARKERLINEFROMHANDLE, static_cast<WPARAM>(caretMark));
-    SciSend(editor, SCI_MARKERDELETEALL, kMarkPlace);
+    SciClearMarker(editor, kMarkPlace);
     if (SciSend(editor, SCI_GETLENGTH) != static_cast<LRESULT>(text.size())) return false;
     if (!hasSelection && caretNow >= 0)
         CaretGoTo(editor, SciSend(editor, SCI_FINDCOLUMN, static_cast<WPARAM>(caretNow), view.column));
@@ -115,7 +115,7 @@ std::vector<LRESULT> BookmarksOf(HWND editor) {
 }
 
 void RestoreBookmarks(HWND editor, const std::vector<LRESULT>& lines) {
-    SciSend(editor, SCI_MARKERDELETEALL, kMarkBookmark);  // replacing the text has left all of them on the first line
+    SciClearMarker(editor, kMarkBookmark);  // replacing the text has left all of them on the first line
     for (const LRESULT line : lines)
         if (line < SciSend(editor, SCI_GETLINECOUNT))
             SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kMarkBookmark);

@@ -35,4 +35,4 @@ bool BookmarkGo(HWND editor, bool forward) {
     return true;
 }
 
-void BookmarksClear(HWND editor) { SciSend(editor, SCI_MARKERDELETEALL, kMarkBookmark); }
+void BookmarksClear(HWND editor) { SciClearMarker(editor, kMarkBookmark); }

@@ -169,7 +169,7 @@ void MarkModifiedLine(HWND editor, int line) {
     SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kMarkChange);
 }
 
-void EditorPaneClearChangeMarks(HWND editor) { SciSend(editor, SCI_MARKERDELETEALL, kMarkChange, 0); }
+void EditorPaneClearChangeMarks(HWND editor) { SciClearMarker(editor, kMarkChange); }
 
 void ApplyVirtualSpace(HWND editor, bool on) { ApplyPaneSettings(editor, VirtualSpaceSettings(on)); }
 

@@ -105,7 +105,7 @@ void MarkDrawTexts(HWND editor, std::span<const std::pair<LRESULT, const SourceM
 void MarkDrawClear(HWND editor) {
     const LRESULT before = Ask(editor, SCI_GETINDICATORCURRENT);
     for (const SeverityLooks& looks : kLooks) {
-        Ask(editor, SCI_MARKERDELETEALL, looks.marker);
+        SciClearMarker(editor, looks.marker);
         Ask(editor, SCI_SETINDICATORCURRENT, looks.indicator);
         Ask(editor, SCI_INDICATORCLEARRANGE, 0, Ask(editor, SCI_GETLENGTH));
     }

@@ -34,6 +34,18 @@ LRESULT SciSend(HWND editor, UINT message, WPARAM wParam, LPARAM lParam) {
     return SendMessageW(editor, message, wParam, lParam);
 }
 
+void SciClearMarker(HWND editor, int marker) {
+    constexpr int kFewMarks = 256;
+    LRESULT line = 0;
+    for (int i = 0; i < kFewMarks; ++i) {
+        // Starts at the same line again, because a line can have a marker more than once.
+        line = SciSend(editor, SCI_MARKERNEXT, static_cast<WPARAM>(line), LPARAM{1} << marker);
+        if (line < 0) return;
+        SciSend(editor, SCI_MARKERDELETE, static_cast<WPARAM>(line), marker);
+    }
+    SciSend(editor, SCI_MARKERDELETEALL, static_cast<WPARAM>(marker));
+}
+
 void SciSendString(HWND editor, UINT message, WPARAM wParam, const wchar_t* text) {
     if (editor == nullptr || text == nullptr) return;
     constexpr int kCapacity = 512;

@@ -128,6 +128,24 @@ TEST_F(DocumentsWin, PlacesFromOutsideSplitNoCharacter) {
     EXPECT_EQ(SciSend(editor, SCI_GETCURRENTPOS), 1) << "beside its column, on the line that is shown";
 }
 
+// Few marks go one by one, many at once; a line can have a marker twice.
+TEST_F(DocumentsWin, OneMarkerGoesFromAllLines) {
+    constexpr int kMarker = 20, kOther = 21, kLines = 600;
+    const fs::path path = folder_.path / L"marks.bas";
+    std::string text;
+    for (int i = 0; i < kLines; ++i) text += "PRINT\r\n";
+    WriteBytes(path, text);
+    const HWND editor = TabAt(TabBarAdd(path.c_str(), L"marks.bas")).editor;
+    SciSend(editor, SCI_MARKERADD, kLines / 2, kOther);
+    for (const int marked : {0, 1, 100, 128, kLines}) {
+        for (int line = 0; line < marked; ++line)
+            for (int twice = 0; twice < 2; ++twice) SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kMarker);
+        SciClearMarker(editor, kMarker);
+        EXPECT_LT(SciSend(editor, SCI_MARKERNEXT, 0, 1 << kMarker), 0) << marked;
+        EXPECT_EQ(SciSend(editor, SCI_MARKERNEXT, 0, 1 << kOther), kLines / 2) << marked;
+    }
+}
+
 // A line of megabytes is shown plain, whatever the name and the settings say; a longer one is refused while it is read.
 TEST_F(DocumentsWin, LongLinesArePlainOrRefused) {
     const fs::path path = folder_.path / L"long.bas";
