@@ -61,7 +61,7 @@ void PaintInset(HWND window, InsetKind kind) {
     if (kind == kPane) {
         const COLORREF back = ThemeCurrentChrome().paneBack;
         FillArea(dc, above, back);
-        FillArea(dc, {place.left, client.top, client.left, client.bottom}, back);
+        FillArea(dc, {place.left, client.top, client.left, place.bottom}, back);  // also beside a scroll bar below
     } else {
         const HBRUSH brush = BrushOfField(window, dc);
         const RECT below = {place.left, client.bottom, client.right, place.bottom};

@@ -265,7 +265,9 @@ std::optional<EditorFont> FontWithStyle(int left, int chosen, std::wstring_view 
     const auto isPresent = [&](const EditorFont& font) { return face == font.face && points == font.points; };
     const bool given =
         isPresent(EditorStyleOf(left).font) || isPresent(EditorStyleOf(0).font) || isPresent(kAfterReset);
-    return given && left != chosen ? std::optional(EditorStyleOf(chosen).font) : std::nullopt;
+    const EditorFont& wanted = EditorStyleOf(chosen).font;
+    const bool stays = isPresent(wanted) || (left == 0 && chosen == 0);  // with the font after a reset, too
+    return given && !stays ? std::optional(wanted) : std::nullopt;
 }
 
 const ChromePalette& ThemeChromePalette(int style, bool dark) {

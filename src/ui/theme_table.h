@@ -87,8 +87,9 @@ const EditorPalette& ThemePalette(int style, bool dark);
 // The frame in that style: of row 0 by a table, of the others made of their editor palettes.
 const ChromePalette& ThemeChromePalette(int style, bool dark);
 
-// The font that comes when the style `chosen` follows the style `left`. None when the user has chosen the present font: it
-// is neither that of `left` nor one that the program starts with.
+// The font that comes when the style `chosen` follows the style `left`, which may be the same. None when it is there, or
+// when the user has chosen the present font: that is neither the one of `left` nor one that the program starts with. So
+// who has had a style since before it had a font gets it by choosing the style again, and never by a start.
 std::optional<EditorFont> FontWithStyle(int left, int chosen, std::wstring_view face, int points);
 
 // The roles that the user may override, in the order of the settings.

@@ -129,6 +129,9 @@ TEST(Theme, AStyleBringsItsFontUnlessTheUserHasChosenOne) {
         {"a size of the user's own", 3, 1, L"Courier New", 13, nullptr},
         {"the font of another style", 1, 2, L"Courier New", 10, nullptr},
         {"the same style again", 3, 3, L"Courier New", 10, nullptr},
+        {"that was chosen before it had a font", 3, 3, L"Segoe UI", 12, L"Courier New"},
+        {"with a font of the user's own", 3, 3, L"Cascadia Mono", 10, nullptr},
+        {"the program's own again after a reset", 0, 0, L"Consolas", 11, nullptr},
     };
     for (const auto& row : cases) {
         const auto font = FontWithStyle(row.left, row.chosen, row.face, row.points);

@@ -132,6 +132,7 @@ TEST_P(ContrastOf, BoxesThatAsk) {
         ASSERT_TRUE(
             WaitFor([&] { return !editor.TextOf(GetDlgItem(outside.window, IDC_OUTSIDE_DIFFERENCE)).empty(); }));
         ExpectBox(editor, kProgramTitle, 12, IDC_OUTSIDE_FIRST);
+        ASSERT_TRUE(WaitFor([&] { return editor.Text().starts_with("' changed"); })) << "a later reload takes the x";
 
         for (int i = 0; i < 2; ++i) {
             editor.Type("x");
