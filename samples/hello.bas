@@ -1,7 +1,7 @@
 ' hello.bas - a first program.
 '
-' Press Ctrl+B to build it, F5 to build and run it. Then play: change the numbers below and build again. Should the
-' compiler complain, double-click its message in the output pane and you are at the line it means.
+' Press F5 to build and run it in a window of its own, which closes at the end. Ctrl+B only builds, then Ctrl+Shift+R runs
+' it in the pane below. Change the numbers and build again; should the compiler complain, double-click its message.
 
 #COMPILE EXE
 #DIM ALL
