@@ -53,7 +53,7 @@ HWND CreateTerminal(HWND parent, int controlId) {
 
 void ApplyTerminalTheme() {
     SendMessageW(g_app.hTerminal, WM_SETFONT, reinterpret_cast<WPARAM>(UiStockFont()), FALSE);
-    SendMessageW(g_app.hTerminal, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(Text(L"Command")));
+    TerminalShowCue();
     ControlApplyTheme(g_app.hTerminal);
 }
 

@@ -71,11 +71,6 @@ void SayConsoleKeys(const std::wstring& program) {
     OutputPaneAppend(ConsoleKeysText(image).c_str(), kLineYellow);
 }
 
-void SetTerminalCue(const wchar_t* cue) {
-    SendMessageW(g_compile.hTerminal, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(cue));
-    InvalidateRect(g_compile.hTerminal, nullptr, TRUE);  // an edit field without the focus does not repaint it
-}
-
 std::wstring EditorPath() {
     wchar_t path[kPathCapacity] = {};
     GetModuleFileNameW(nullptr, path, kPathCapacity);
@@ -136,7 +131,7 @@ void RunInOutputPane() {
         return;
     }
     PaneShow(PaneId::Terminal, true);
-    SetTerminalCue(Text(L"Input of the program: Enter sends a line, Ctrl+Z ends the input"));
+    TerminalShowCue();
     SetFocus(g_compile.hTerminal);
     g_events.statusText(Text(L"Program runs in the output pane"));
 }
@@ -170,7 +165,7 @@ void ProgramOnStageEnd(const StageResult& result) {
     OutputPaneAppend(ProgramEndText(result).c_str(), failed ? kLineRed : 0);
     g_events.statusText(result.end == BuildEnd::Stopped ? Text(L"Program stopped") : Text(L"Program ended"));
     OutputFeedBegin({});
-    SetTerminalCue(L"");
+    TerminalShowCue();
     // Somebody who is typing a line must not go on in the source.
     const bool typing = TerminalProgramEnded() && result.end != BuildEnd::Stopped;
     if (GetFocus() == g_compile.hTerminal && !typing) FocusCurrentEditor();

@@ -116,6 +116,7 @@ void SendToProgram(HWND window) {
 bool EndsProgramInput(HWND window) {
     if (GetKeyState(VK_CONTROL) >= 0 || !ProgramInputIsOpen() || GetWindowTextLengthW(window) > 0) return false;
     ProgramInputEnd();
+    TerminalShowCue();
     EchoInput(L"^Z");
     return true;
 }
@@ -199,6 +200,14 @@ void TerminalOnStageEnd(const StageResult& result) {
     if (const std::wstring text = TerminalEndText(result); !text.empty())
         OutputPaneAppend(text.c_str(), result.end == BuildEnd::Stopped ? kLineRed : kLineTeal);
     g_events.statusText(result.end == BuildEnd::Stopped ? Text(L"Command stopped") : Text(L"Command finished"));
+}
+
+void TerminalShowCue() {
+    const bool input = ProgramInputIsOpen();
+    const wchar_t* const cue =
+        input ? Text(L"Input of the program: Enter sends a line, Ctrl+Z ends the input") : Text(L"Command");
+    SendMessageW(g_compile.hTerminal, EM_SETCUEBANNER, input ? TRUE : FALSE, reinterpret_cast<LPARAM>(cue));
+    InvalidateRect(g_compile.hTerminal, nullptr, TRUE);  // an edit field without the focus does not repaint it
 }
 
 bool TerminalProgramEnded() {

@@ -150,6 +150,14 @@ TEST(BuildGuards, AProgramRunsInTheOutputPane) {
     EXPECT_TRUE(IsWindowVisible(terminal));
     EXPECT_EQ(editor.Focus(), terminal);
     ASSERT_TRUE(editor.AwaitOutput(L"Name? ")) << editor.Describe();
+    const auto cue = [&] {
+        wchar_t text[16] = {};
+        const RemoteBlock block(editor.process, sizeof text);
+        editor.Send(terminal, EM_GETCUEBANNER, static_cast<WPARAM>(block.At()), std::size(text));
+        block.Get(text, sizeof text);
+        return std::wstring(text);
+    };
+    EXPECT_EQ(cue(), L"Input of the pr");
     EXPECT_TRUE(Has(editor.Output(), L"kvxpane.exe\" -a \"b c\"\n")) << Utf8(editor.Output());
     TypeInTerminal(editor, L"Bob");
     TypeInTerminal(editor, L"");
@@ -159,6 +167,7 @@ TEST(BuildGuards, AProgramRunsInTheOutputPane) {
     editor.Keys({VK_CONTROL, 'Z'});
     EXPECT_TRUE(editor.AwaitOutput(L"--- Program ended (exit code 259) ---\n")) << Utf8(editor.Output());
     EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    EXPECT_EQ(cue(), L"Command");
     EXPECT_FALSE(Has(editor.Output(), L"The source was changed")) << Utf8(editor.Output());
     editor.Type("'");
     editor.Do(IDM_FILE_SAVE);
