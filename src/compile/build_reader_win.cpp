@@ -23,7 +23,7 @@ constexpr DWORD kChunkBytes = 4096;
 constexpr DWORD kShortChunk = 1024;
 constexpr int kPostTries = 100;
 constexpr DWORD kPostPauseMs = 20;
-constexpr DWORD kOthersWaitMs = 100;
+constexpr DWORD kOthersWaitMs = 500;  // for the process of a console, which takes more than 100 on a busy machine
 constexpr DWORD kOthersPauseMs = 10;
 constexpr const wchar_t* kOthersRunLine =
     English(L"Processes that this build started are still running. Stop Build (Ctrl+Break) ends them.\r\n");
