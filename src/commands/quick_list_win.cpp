@@ -222,6 +222,13 @@ LRESULT DrawList(const NMLVCUSTOMDRAW& draw) {
     return CDRF_SKIPDEFAULT;
 }
 
+// As wide as the list without its scroll bar.
+void FitColumn() {
+    RECT client = {};
+    GetClientRect(g_list.window, &client);
+    if (ListSend(LVM_GETCOLUMNWIDTH) != client.right) ListSend(LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(client.right, 0));
+}
+
 // The system wants the frame drawn anew after each FramePause, and its scroll bar takes 2 to 4 ms under Wine. What is
 // drawn of it stays on the screen.
 LRESULT CALLBACK QuickListProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
@@ -233,7 +240,9 @@ LRESULT CALLBACK QuickListProc(HWND list, UINT message, WPARAM wParam, LPARAM lP
             now.right - now.left == before.right - before.left && now.bottom - now.top == before.bottom - before.top;
         g_list.barWaits = g_list.barWaits && same;
     }
-    return SubclassNext(list, message, wParam, lParam);
+    const LRESULT result = SubclassNext(list, message, wParam, lParam);
+    if (message == WM_SIZE) FitColumn();
+    return result;
 }
 
 }  // namespace
@@ -276,9 +285,7 @@ void SetRowCount(int count) {
     if (count != g_list.count)  // the control counts its scroll bar again for each call, which takes a millisecond
         ListSend(LVM_SETITEMCOUNT, static_cast<WPARAM>(count), LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
     g_list.count = count;
-    RECT client = {};
-    GetClientRect(g_list.window, &client);  // without the scroll bar
-    if (ListSend(LVM_GETCOLUMNWIDTH) != client.right) ListSend(LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(client.right, 0));
+    FitColumn();
 }
 
 bool HasBar() { return (GetWindowLongPtrW(g_list.window, GWL_STYLE) & WS_VSCROLL) != 0; }

@@ -165,4 +165,15 @@ TEST(DialogScale, TheMainWindowFollowsItsScreenWithADialogOpen) {
             << where;
         ExpectFits(editor, "Find with the " + where, find.window, 96);
     }
+    editor.Press(find, IDCANCEL);
+
+    // The open command palette becomes narrower; its list does not scroll sideways.
+    editor.Foreground();
+    editor.ShowAt(144, 1278, 880);
+    editor.Keys({VK_CONTROL, VK_SHIFT, 'P'});
+    const auto list = [&] { return GetDlgItem(editor.Child(IDC_QUICK_OPEN), IDC_QUICK_LIST); };
+    ASSERT_TRUE(WaitFor([&] { return editor.Send(list(), LVM_GETITEMCOUNT) > 150; })) << editor.Describe();
+    editor.ShowAt(96, 1000, 700);
+    EXPECT_EQ(GetWindowLongPtrW(list(), GWL_STYLE) & WS_HSCROLL, 0);
+    ExpectApart("palette", editor, editor.Child(IDC_QUICK_OPEN));
 }
