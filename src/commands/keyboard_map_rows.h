@@ -19,7 +19,7 @@ struct EditorKey {
 std::span<const EditorKey> EditorKeys();
 
 // A key of a pane or a bar, which counts while the keyboard is there. Each does what is said in the procedure of its
-// window, so who changes a key there changes it here.
+// window, so who changes a key there changes it here; a test compares them.
 struct PaneKey {
     const wchar_t* place;  // "in the project tree"
     const wchar_t* keys;
