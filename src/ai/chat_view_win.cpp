@@ -23,7 +23,6 @@
 namespace {
 
 constexpr int kGroundShare = 0x16;  // of 255: how much of the text's colour the ground of code has
-constexpr wchar_t kFixedFace[] = L"Consolas";
 constexpr char kOlderGone[] = "(Older messages are not shown any more.)\r\n";
 
 ChatLog g_chat;
@@ -49,18 +48,6 @@ void ChatScrollBack(const ChatScroll& scroll) {
     RedrawWindow(g_ai.hAiChat, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
 }
 
-// The output font, or when that has no fixed pitch, one that has.
-std::wstring ChatCodeFace() {
-    TEXTMETRICW metrics = {};
-    const HDC dc = GetDC(nullptr);
-    const HGDIOBJ old = SelectObject(dc, UiFixedFont());
-    GetTextMetricsW(dc, &metrics);
-    SelectObject(dc, old);
-    ReleaseDC(nullptr, dc);
-    // The bit says the opposite of its name.
-    return (metrics.tmPitchAndFamily & TMPF_FIXED_PITCH) == 0 ? g_settings.outputFont : kFixedFace;
-}
-
 ChatColours ChatColoursNow() {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     return {.text = chrome.paneText,
@@ -78,8 +65,9 @@ void ShowEntry(std::size_t index) {
     std::vector<ChatRun> runs = update.runs;
     if (update.lineBreak) runs.insert(runs.begin(), {"\n", ChatLook::Text});
     if (runs.empty() && update.from == update.to) return;
-    const ChatFonts fonts = {
-        .face = g_settings.outputFont, .codeFace = ChatCodeFace(), .points = g_settings.outputFontSize};
+    const ChatFonts fonts = {.face = g_settings.outputFont,
+                             .codeFace = UiFixedFace(g_settings.outputFont),
+                             .points = g_settings.outputFontSize};
     const LONG length =
         RichRtfReplace(g_ai.hAiChat, update.from, update.to, ChatRtf(runs, fonts, ChatColoursNow()), EndsInBreak(runs));
     ChatUpdateShown(g_chat, index, update, length);

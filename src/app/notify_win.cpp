@@ -157,6 +157,12 @@ void OnViewOrText(HWND editor, int updated) {
     CallTipOnView(editor);
 }
 
+void OnTextModified(HWND editor, int tab, const SCNotification& notification) {
+    const bool wasPlain = EditorPaneIsPlain(editor);
+    EditorPaneOnModified(editor, notification);
+    if (!wasPlain && EditorPaneIsPlain(editor)) TellDocumentPlain(tab);
+}
+
 void OnEditorNotification(const SCNotification& notification) {
     HWND editor = static_cast<HWND>(notification.nmhdr.hwndFrom);
     const int tab = TabBarFindEditor(editor);
@@ -164,7 +170,7 @@ void OnEditorNotification(const SCNotification& notification) {
     const DocumentId document = TabAt(tab).id;
     switch (notification.nmhdr.code) {
         case SCN_MODIFIED:
-            EditorPaneOnModified(editor, notification);
+            OnTextModified(editor, tab, notification);
             OnLinesMoved(editor, document, notification);
             TellSearch(document, notification);
             SourceMarksOnEdit(document, notification);

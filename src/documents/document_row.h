@@ -70,6 +70,8 @@ void TabBarUpdateTitle(int index);
 
 // Tells the user what is unusual about the document's file: its encoding, its bytes. Says nothing about an ordinary one.
 void TellDocumentForm(int index);
+// The same after a change has made its pane plain.
+void TellDocumentPlain(int index);
 
 // --- Focus
 // Moves the keyboard focus to the active editor when that is visible.

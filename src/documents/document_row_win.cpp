@@ -207,8 +207,12 @@ void TellDocumentForm(int index) {
     if (!IsTabIndex(index)) return;
     const std::wstring notice = FormNotice(TabAt(index));
     if (!notice.empty()) g_events.documentNotice(TabAt(index).id, notice.c_str());
-    if (EditorPaneIsPlain(TabAt(index).editor))
-        g_events.documentNotice(TabAt(index).id, PlainNotice(TabAt(index).label).c_str());
+    if (EditorPaneIsPlain(TabAt(index).editor)) TellDocumentPlain(index);
+}
+
+void TellDocumentPlain(int index) {
+    const DocumentTab& tab = TabAt(index);
+    g_events.documentNotice(tab.id, PlainNotice(tab.label, EditorPaneLongLine(tab.editor)).c_str());
 }
 
 void TabBarSyncActiveEditor() {

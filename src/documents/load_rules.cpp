@@ -34,8 +34,12 @@ std::wstring LoadFailureText(LoadEnd end) {
     return {};
 }
 
-std::wstring PlainNotice(const wchar_t* label) {
-    return TextWith(
+std::wstring PlainNotice(const wchar_t* label, std::size_t line) {
+    std::wstring text = TextWith(
         L"{1} has a very long line or is very large. It is shown plain: without colours, folding and word wrap.",
         {label});
+    if (line > kLargestLine)
+        text += TextWith(L" A file with a line of more than {1} MB cannot be opened again after it was saved.",
+                         {std::to_wstring(kLargestLine >> 20)});
+    return text;
 }

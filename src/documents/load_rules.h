@@ -26,5 +26,6 @@ LoadWay LoadWayOf(std::int64_t size, bool remote);
 LoadEnd LoadEndOf(PiecesEnd end);
 // Why a file was not opened, to follow the message about it; empty when there is nothing to add.
 std::wstring LoadFailureText(LoadEnd end);
-// What the user is told about a document that is shown plain.
-std::wstring PlainNotice(const wchar_t* label);
+// What the user is told about a document that is shown plain. `line`: bytes of the line that a change has brought, 0 when
+// its file is so.
+std::wstring PlainNotice(const wchar_t* label, std::size_t line);

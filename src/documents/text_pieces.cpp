@@ -2,6 +2,7 @@
 #include "documents/text_pieces.h"
 
 #include "base/utf8.h"
+#include "files/break_kinds.h"
 #include "files/utf16.h"
 
 #include <algorithm>
@@ -40,8 +41,6 @@ bool Decode(const TextSource& source, PieceCode code, PiecesResult& result, std:
     return decoded;
 }
 
-bool IsBreak(char c) { return c == '\n' || c == '\r'; }
-
 }  // namespace
 
 void FirstBreak::Look(std::string_view piece) {
@@ -58,29 +57,6 @@ void FirstBreak::Look(std::string_view piece) {
     found_ = !pendingCr_;
 }
 
-void LongestLine::Look(std::string_view piece) {
-    while (!piece.empty()) {
-        // The last break before the line would become long: what comes before it needs no look.
-        const std::size_t room = std::min(piece.size(), kLongLine - std::min(line_, kLongLine));
-        std::size_t last = room;
-        while (last > 0 && !IsBreak(piece[last - 1])) --last;
-        if (last > 0) {
-            line_ = 0;
-            piece.remove_prefix(last);
-            continue;
-        }
-        std::size_t end = room;
-        while (end < piece.size() && !IsBreak(piece[end])) ++end;
-        line_ += end;
-        longest_ = std::max(longest_, line_);
-        if (end < piece.size()) {  // a break
-            line_ = 0;
-            ++end;
-        }
-        piece.remove_prefix(end);
-    }
-}
-
 PiecesResult MoveTextPieces(const TextSource& source, PieceCode code, const PiecesLimits& limits) {
     PiecesResult result;
     result.encoding = code == PieceCode::Ansi ? TextEncoding::Ansi : TextEncoding::Utf8;
@@ -88,10 +64,12 @@ PiecesResult MoveTextPieces(const TextSource& source, PieceCode code, const Piec
     std::string buffer;
     std::size_t kept = 0;  // bytes of an unfinished character, at the start of the piece
     FirstBreak lineBreak;
+    BreakKinds kinds;
     LongestLine longest;
     const auto endWith = [&](PiecesEnd end) {
         result.end = end;
         result.lineEnding = lineBreak.Ending();
+        result.form.mixedBreaks = kinds.Mixed();
         result.longLine = longest.Length() >= kLongLine;
         return result;
     };
@@ -108,6 +86,7 @@ PiecesResult MoveTextPieces(const TextSource& source, PieceCode code, const Piec
         std::string_view utf8;
         if (!Decode(source, code, result, whole, buffer, &utf8)) return endWith(PiecesEnd::OtherCode);
         lineBreak.Look(utf8);
+        kinds.Look(utf8);
         longest.Look(utf8);
         result.form.keepBreaks = result.form.keepBreaks || HasNul(utf8);
         if (utf8.size() > limits.text - result.length) return endWith(PiecesEnd::TextTooLong);

@@ -63,10 +63,13 @@ void EditorPaneEndLoad(HWND editor);
 void EditorPaneSetDocument(HWND editor, void* document);
 
 // A plain pane has no lexer, no folding and no word wrap, whatever the file's name and the settings say: a line of
-// megabytes or a text of a gigabyte would not answer with them. Takes effect with the next EditorPaneInit and
-// EditorPaneApplySettings.
+// megabytes or a text of a gigabyte would not answer with them. EditorPaneSetPlain is for a text that is about to be
+// loaded, and takes effect with the next EditorPaneInit and EditorPaneApplySettings. A line of megabytes that a change
+// brings makes the pane plain at once.
 void EditorPaneSetPlain(HWND editor, bool plain);
 bool EditorPaneIsPlain(HWND editor);
+// The bytes of the line that has made the pane plain since its text was loaded; 0 when none has.
+std::size_t EditorPaneLongLine(HWND editor);
 
 // Sets the caret's style and a colour that can be seen on the background, moves the caret into the view and scrolls to
 // it. With a selection nothing moves, because the selection would be lost; nor while a mouse button goes down on the

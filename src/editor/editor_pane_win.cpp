@@ -173,6 +173,15 @@ void EditorPaneClearChangeMarks(HWND editor) { SciClearMarker(editor, kMarkChang
 
 void ApplyVirtualSpace(HWND editor, bool on) { ApplyPaneSettings(editor, VirtualSpaceSettings(on)); }
 
+void EditorPaneShowPlainness(HWND editor) {
+    const PaneState* const state = PaneStateOf(editor);
+    if (state == nullptr || !state->compilerId) return;  // EditorPaneInit comes yet
+    if (EditorPaneIsPlain(editor)) SciSend(editor, SCI_FOLDALL, SC_FOLDACTION_EXPAND);
+    SyntaxThemeApplyDefault(editor, *state->compilerId);
+    ApplyPaneSettings(editor, PaneSettingsOf(g_settings, EditorPaneIsPlain(editor)));
+    EditorColourRestart(editor);
+}
+
 void EditorPaneOnModified(HWND editor, const SCNotification& change) {
     if (editor == nullptr) return;
     CaretStepsOnModified(editor, change);
@@ -180,6 +189,7 @@ void EditorPaneOnModified(HWND editor, const SCNotification& change) {
         LineMarksOnUndo(editor, static_cast<int>(change.token), (change.modificationType & SC_PERFORMED_UNDO) != 0);
     if (!(change.modificationType & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT))) return;
     const int line = static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(change.position), 0));
+    EditorPaneCheckLongLine(editor, change, line);
     if (change.linesAdded != 0 || (change.modificationType & (SC_MOD_INSERTTEXT | SC_PERFORMED_USER)))
         MarkModifiedLine(editor, line);
     if (StickyCache* const cache = EditorPaneStickyCache(editor); cache != nullptr)

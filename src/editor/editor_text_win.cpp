@@ -73,12 +73,20 @@ void EditorPaneSetDocument(HWND editor, void* document) {
 }
 
 void EditorPaneSetPlain(HWND editor, bool plain) {
-    if (PaneState* state = PaneStateOf(editor); state != nullptr) state->plain = plain;
+    PaneState* const state = PaneStateOf(editor);
+    if (state == nullptr) return;
+    state->plain = plain;
+    state->longLine = 0;
 }
 
 bool EditorPaneIsPlain(HWND editor) {
     const PaneState* state = PaneStateOf(editor);
-    return state != nullptr && state->plain;
+    return state != nullptr && (state->plain || state->longLine > 0);
+}
+
+std::size_t EditorPaneLongLine(HWND editor) {
+    const PaneState* state = PaneStateOf(editor);
+    return state != nullptr ? state->longLine : 0;
 }
 
 void EditorPaneEndLoad(HWND editor) {

@@ -50,6 +50,7 @@ struct PaneState {
     LineMarginBasis lineMargin;               // the values for which the margin was last measured
     ColourMarks colours;                      // which part has its colours
     bool plain = false;                       // EditorPaneSetPlain
+    std::size_t longLine = 0;                 // bytes of a line of kLongLine that a change has brought; 0: none
     bool colouring = false;                   // the timer for idle colouring runs
     ULONGLONG changedAt = 0;                  // tick count of the last change of the text
     std::size_t colourChunk = 0;              // bytes that one idle slice colours
@@ -63,6 +64,12 @@ void EditorPaneSetUp(HWND editor);
 
 // Subclasses a new Scintilla pane and makes its state. False when the subclass could not be set.
 bool EditorPaneInstallSubclass(HWND editor);
+
+// Called after a change of the text near `line` (0-based): a line of kLongLine makes the pane plain, wherever it came from,
+// and the pane gets its looks back when the last such line is gone.
+void EditorPaneCheckLongLine(HWND editor, const SCNotification& change, LRESULT line);
+// Gives the pane the lexer, the styles and the settings of a plain one or of another. Neither caret nor view move.
+void EditorPaneShowPlainness(HWND editor);
 
 // The whole text is coloured again: what is visible before the next paint, the rest in idle time.
 void EditorColourRestart(HWND editor);

@@ -17,6 +17,9 @@ HFONT UiFixedFont();
 // DEFAULT_GUI_FONT at the current DPI.
 HFONT UiStockFont();
 
+// `wanted`, or the name of a font of fixed pitch when that has none.
+std::wstring UiFixedFace(const wchar_t* wanted);
+
 // In pixels.
 struct UiFontSizes {
     int textWidth = 1;    // an average character of UiFont

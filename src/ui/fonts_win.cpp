@@ -1,5 +1,6 @@
 #include "ui/fonts.h"
 
+#include "base/bounded_text.h"
 #include "base/handles.h"
 #include "settings/settings_state.h"
 #include "ui/dpi.h"
@@ -15,6 +16,7 @@ struct UiFonts {
     UiFontSizes sizes;
 };
 constexpr int kStockFontPoints = 8;  // its height may be that of another DPI
+constexpr wchar_t kFixedFace[] = L"Consolas";
 std::map<int, UiFonts> g_fonts;      // by the DPI
 std::map<int, UiFonts> g_oldFonts;   // windows may still use them
 
@@ -97,6 +99,20 @@ int UiTextHeightOf(HFONT font) {
     MeasureFont(dc, font, &width, &height);
     ReleaseDC(nullptr, dc);
     return height;
+}
+
+std::wstring UiFixedFace(const wchar_t* wanted) {
+    LOGFONTW description = {};
+    description.lfCharSet = DEFAULT_CHARSET;
+    SafeCopyW(description.lfFaceName, wanted);
+    const UniqueFont font{CreateFontIndirectW(&description)};
+    TEXTMETRICW metrics = {};
+    const HDC dc = GetDC(nullptr);
+    const HGDIOBJ old = SelectObject(dc, font.Get());
+    GetTextMetricsW(dc, &metrics);
+    SelectObject(dc, old);
+    ReleaseDC(nullptr, dc);
+    return (metrics.tmPitchAndFamily & TMPF_FIXED_PITCH) == 0 ? wanted : kFixedFace;  // the bit says the opposite
 }
 
 void UiFontsRenew() {

@@ -12,6 +12,7 @@
 #include "editor/pane_state.h"
 #include "language/basic_lexer.h"
 #include "scintilla/sci.h"
+#include "settings/settings_state.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
 
@@ -20,10 +21,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -210,6 +214,70 @@ TEST_F(DocumentsWin, TextReadAheadIsTakenWhileItIsTheFiles) {
     LoadEnd why = LoadEnd::Done;
     EXPECT_EQ(TabBarAdd(path.c_str(), L"ahead.bas", &why), -1);
     EXPECT_EQ(why, LoadEnd::Unreadable);
+}
+
+LRESULT CALLBACK ForwardChanges(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto* const change = reinterpret_cast<const SCNotification*>(lParam);
+    if (message == WM_NOTIFY && change->nmhdr.code == SCN_MODIFIED)
+        EditorPaneOnModified(static_cast<HWND>(change->nmhdr.hwndFrom), *change);
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+// A line of megabytes that comes into an open text does the same, whatever brings it; undo and redo go with it.
+TEST_F(DocumentsWin, AChangeThatBringsALongLineMakesThePanePlain) {
+    SetWindowLongPtrW(g_ui.hMainWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(ForwardChanges));
+    SettingsChange([](Settings& settings) { settings.wordWrap = 1; });
+    const fs::path path = folder_.path / L"short.bas";
+    const std::string start = "PRINT 1\nPRINT 2\n", half(kLongLine / 2 + 1, 'x');
+    const auto send = [](HWND editor, UINT message, std::size_t at, const std::string& text) {
+        SciSend(editor, message, at, reinterpret_cast<LPARAM>(text.c_str()));
+    };
+    const struct {
+        const char* name;
+        std::function<void(HWND)> change;
+    } cases[] = {
+        {"inserted", [&](HWND editor) { send(editor, SCI_INSERTTEXT, 6, half + half); }},
+        {"with lines around", [&](HWND editor) { send(editor, SCI_REPLACESEL, 0, "a\n" + half + half + "\nb\n"); }},
+        {"grown",
+         [&](HWND editor) {
+             for (int i = 0; i < 2; ++i) send(editor, SCI_INSERTTEXT, 3, half);
+         }},
+        {"joined",
+         [&](HWND editor) {
+             send(editor, SCI_INSERTTEXT, 0, half + "\n" + half);
+             EXPECT_FALSE(EditorPaneIsPlain(editor)) << "both lines are short enough";
+             SciSend(editor, SCI_DELETERANGE, half.size(), 1);
+         }},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        WriteBytes(path, start);
+        const int tab = TabBarAdd(path.c_str(), L"short.bas");
+        ASSERT_GE(tab, 0);
+        const HWND editor = TabAt(tab).editor;
+        const LRESULT lexer = SciSend(editor, SCI_GETLEXER);
+        ASSERT_NE(SciSend(editor, SCI_GETWRAPMODE), SC_WRAP_NONE);
+        for (const bool again : {false, true}) {
+            if (again)
+                while (SciSend(editor, SCI_CANREDO) != 0) SciSend(editor, SCI_REDO);
+            else
+                test.change(editor);
+            EXPECT_TRUE(EditorPaneIsPlain(editor)) << again;
+            EXPECT_GT(EditorPaneLongLine(editor), kLongLine);
+            EXPECT_EQ(SciSend(editor, SCI_GETLEXER), 0);
+            EXPECT_EQ(SciSend(editor, SCI_GETWRAPMODE), SC_WRAP_NONE);
+            while (SciSend(editor, SCI_CANUNDO) != 0) SciSend(editor, SCI_UNDO);
+            std::size_t length = 0;
+            const std::unique_ptr<char, decltype(&std::free)> text(EditorPaneGetText(editor, &length), std::free);
+            EXPECT_EQ(std::string_view(text.get(), length), start);
+        }
+        if (std::string_view(test.name) != "joined" && std::string_view(test.name) != "grown") {
+            EXPECT_FALSE(EditorPaneIsPlain(editor)) << "the line is gone";
+            EXPECT_EQ(SciSend(editor, SCI_GETLEXER), lexer);
+            EXPECT_NE(SciSend(editor, SCI_GETWRAPMODE), SC_WRAP_NONE);
+        }
+        TabBarRemove(tab);
+    }
 }
 
 // Esc reaches the work; work that hangs is left behind; closing the window is put off.
