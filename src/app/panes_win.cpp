@@ -3,6 +3,7 @@
 
 #include "ai/ai_pane.h"
 #include "app/app_state.h"
+#include "app/pane_titles.h"
 #include "base/log.h"
 #include "base/texts.h"
 #include "compile/terminal.h"
@@ -123,6 +124,7 @@ constexpr PaneSpec kPanes[] = {
      .create = CreateTerminal,
      .applyTheme = ApplyTerminalTheme,
      .setting = &Settings::showTerminal,
+     .hasTitle = true,
      .command = IDM_VIEW_TERMINAL,
      .onShown = FocusTerminal},
     {.id = PaneId::Debug,
@@ -179,6 +181,7 @@ constexpr PaneSpec kPanes[] = {
      .lazy = true,
      .applyTheme = FilesPaneApplyTheme,
      .hasTitle = true,
+     .comesBack = true,
      .command = IDM_VIEW_FILES_RESULTS,
      .onShown = FilesPaneFocus},
     {.id = PaneId::Outline,
@@ -226,13 +229,13 @@ void ThemePanes() {
 
 std::array<PaneWish, kPaneCount> PaneWishes() {
     std::array<PaneWish, kPaneCount> wishes;
+    const int line = UiScaled(kLineHeight) + PaneTitleHeight();
     for (const PaneSpec& pane : Panes())
-        wishes[PaneIndex(pane.id)] = {
-            .area = pane.area,
-            .shown = *pane.window != nullptr && PaneIsShown(pane.id),
-            .height = UiScaled(pane.height != nullptr ? g_app.settings.*pane.height : kLineHeight),
-            .hasTitle = pane.hasTitle,
-            .hasBar = pane.height != nullptr};
+        wishes[PaneIndex(pane.id)] = {.area = pane.area,
+                                      .shown = *pane.window != nullptr && PaneIsShown(pane.id),
+                                      .height = pane.height != nullptr ? UiScaled(g_app.settings.*pane.height) : line,
+                                      .hasTitle = pane.hasTitle,
+                                      .hasBar = pane.height != nullptr};
     return wishes;
 }
 

@@ -1,6 +1,8 @@
 // Panes: their titles, the bars between them, what of them comes back, the header line and the start page.
 #include "harness.h"
 
+#include "app/layout.h"
+
 #include <commctrl.h>
 
 #include <algorithm>
@@ -43,6 +45,7 @@ constexpr struct {
     const wchar_t* title;
 } kTitled[] = {{PaneId::Output, IDC_OUTPUT, IDM_VIEW_OUTPUT, L"Output"},
                {PaneId::ErrorList, IDC_ERROR_LIST, IDM_VIEW_ERROR_LIST, L"Error List"},
+               {PaneId::Terminal, IDC_TERMINAL, IDM_VIEW_TERMINAL, L"Terminal"},
                {PaneId::Debug, IDC_DEBUG_PANE, IDM_VIEW_DEBUG_PANE, L"Debug"},
                {PaneId::Asm, IDC_ASM, IDM_VIEW_ASM, L"ASM"},
                {PaneId::Ai, IDC_AI_CHAT, IDM_VIEW_AI, L"AI Chat"},
@@ -97,7 +100,8 @@ TEST(Panes, HaveATitleThatNamesAndClosesThem) {
         EXPECT_EQ(editor.TextOf(CloseButton(editor, pane.id)), std::wstring(L"Close ") + pane.title);
     }
     for (const auto& pane : kTitled) {
-        if (pane.id == PaneId::ErrorList) continue;  // went with the output
+        // These went with the output.
+        if (pane.id == PaneId::ErrorList || pane.id == PaneId::Terminal) continue;
         SCOPED_TRACE(Utf8(pane.title));
         editor.Foreground();
         editor.Send(editor.main, MSG_FOCUS_EDITOR);
@@ -124,6 +128,11 @@ TEST(Panes, BarsMoveByKeysAndAllOfItComesBack) {
         Editor editor(folder, file);
         editor.Do(IDM_VIEW_ERROR_LIST);
         editor.Do(IDM_VIEW_ASM);
+        const auto asmWidth = [&] {
+            const RECT pane = PlaceOf(editor, editor.Child(IDC_ASM));
+            return pane.right - pane.left;
+        };
+        EXPECT_GT(asmWidth(), kFirstSideWidth) << "an instruction is not cut";
         editor.Foreground();
         const auto top = [&](int bar) { return static_cast<int>(PlaceOf(editor, editor.Child(bar)).top); };
         const auto left = [&](int bar) { return static_cast<int>(PlaceOf(editor, editor.Child(bar)).left); };
@@ -160,6 +169,10 @@ TEST(Panes, BarsMoveByKeysAndAllOfItComesBack) {
         const HWND bar = editor.Child(IDC_SPLIT_OUTPUT);
         editor.Click(bar, {40, 1}, MOUSEEVENTF_LEFTDOWN, 2);
         EXPECT_TRUE(WaitFor([&] { return top(IDC_SPLIT_OUTPUT) == before; })) << "a double-click puts it back";
+        const LONG chosen = asmWidth();
+        editor.Do(IDM_VIEW_ASM);
+        editor.Do(IDM_VIEW_ASM);
+        EXPECT_EQ(asmWidth(), chosen);
         EXPECT_EQ(editor.Close(), 0u);
     }
     {
@@ -168,10 +181,12 @@ TEST(Panes, BarsMoveByKeysAndAllOfItComesBack) {
         EXPECT_EQ(HeightOf(editor, editor.Child(IDC_ERROR_LIST)), listHeight);
         editor.Do(IDM_VIEW_OUTPUT);
         editor.Do(IDM_VIEW_ASM);
+        editor.Do(IDM_VIEW_FILES_RESULTS);
         EXPECT_EQ(editor.Close(), 0u);
     }
     Editor editor(folder, file);
     EXPECT_FALSE(Shown(editor.Child(IDC_OUTPUT)) || Shown(editor.Child(IDC_ASM)));
+    EXPECT_TRUE(Shown(editor.Child(IDC_FILES_PANE)));
 }
 
 // The header takes a line only while its own line is above what is visible, and no text moves for it.
