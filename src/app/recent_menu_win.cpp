@@ -20,7 +20,9 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -43,6 +45,18 @@ bool HasItem(HMENU menu, int command) {
     return false;
 }
 
+// The rows of the settings that the list shows.
+std::vector<int> RowsToShow(const RecentList& list) {
+    if (list.first == IDM_RECENT_SESSION_FIRST) {
+        wchar_t own[kPathCapacity] = {};
+        SessionAutoSavePath(own, kPathCapacity);
+        return SessionRowsToOffer(g_app.settings, own);
+    }
+    std::vector<int> rows(static_cast<std::size_t>(std::clamp<int>(g_app.settings.*list.count, 0, kMruCapacity)));
+    std::iota(rows.begin(), rows.end(), 0);
+    return rows;
+}
+
 // The rows stand where the first of them, or the item of the empty list, stands.
 void FillList(HMENU menu, const RecentList& list) {
     const auto isRow = [&](UINT id) {
@@ -53,14 +67,16 @@ void FillList(HMENU menu, const RecentList& list) {
     while (at < GetMenuItemCount(menu) && !isRow(GetMenuItemID(menu, at))) ++at;
     while (at < GetMenuItemCount(menu) && isRow(GetMenuItemID(menu, at)))
         DeleteMenu(menu, static_cast<UINT>(at), MF_BYPOSITION);
-    const Settings& settings = g_app.settings;
-    const int count = std::clamp<int>(settings.*list.count, 0, kMruCapacity);
     const auto insert = [&](int offset, int command, const std::wstring& text) {
         InsertMenuW(menu, static_cast<UINT>(at + offset), MF_BYPOSITION | MF_STRING, static_cast<UINT_PTR>(command),
                     text.c_str());
     };
-    for (int i = 0; i < count; ++i) insert(i, list.first + i, RecentMenuText(i, (settings.*list.rows)[i]));
-    if (count == 0) insert(0, list.none, Text(L"(None)"));
+    int shown = 0;
+    for (const int row : RowsToShow(list)) {
+        insert(shown, list.first + row, RecentMenuText(shown, (g_app.settings.*list.rows)[row]));
+        ++shown;
+    }
+    if (shown == 0) insert(0, list.none, Text(L"(None)"));
 }
 
 void RemoveRow(const RecentList& list, int row) {

@@ -1,6 +1,9 @@
 #include "app/recent_text.h"
 
 #include "base/bounded_text.h"
+#include "base/path.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -25,6 +28,14 @@ std::wstring RecentMenuText(int index, std::wstring_view path) {
     std::wstring text = index == 9 ? L"1&0 " : L"&" + std::to_wstring(index + 1) + L" ";
     for (const wchar_t c : Shortened(path)) text.append(c == L'&' ? 2 : 1, c);  // a single & would be a mnemonic
     return text;
+}
+
+std::vector<int> SessionRowsToOffer(const Settings& settings, std::wstring_view ownSession) {
+    std::vector<int> rows;
+    const int count = std::clamp<int>(settings.sessionMruCount, 0, kMruCapacity);
+    for (int i = 0; i < count; ++i)
+        if (!PathEqualsIgnoreCase(FileNameOf(settings.sessionMruFiles[i]), FileNameOf(ownSession))) rows.push_back(i);
+    return rows;
 }
 
 void RecentRowRemove(wchar_t (&rows)[kMruCapacity][kPathCapacity], std::int32_t& count, int row) {

@@ -10,6 +10,7 @@
 #include "project/new_project.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "session/session.h"
 #include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
@@ -75,7 +76,9 @@ std::vector<std::wstring> SamplePaths() {
 }
 
 void FillStartList() {
-    g_start.rows = StartRows(g_app.settings, SamplePaths());
+    wchar_t ownSession[kPathCapacity] = {};
+    SessionAutoSavePath(ownSession, kPathCapacity);
+    g_start.rows = StartRows(g_app.settings, ownSession, SamplePaths());
     g_start.content = {};
     for (const StartRow& row : g_start.rows)
         g_start.content.rows.push_back(

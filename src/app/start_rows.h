@@ -4,6 +4,7 @@
 #include "settings/settings.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 struct StartRow {
@@ -13,5 +14,7 @@ struct StartRow {
     std::wstring name;
     std::wstring folder;
 };
-// `samples` are the paths of sources; at most as many are taken as there are commands for them.
-std::vector<StartRow> StartRows(const Settings& settings, const std::vector<std::wstring>& samples);
+// `ownSession`: as for SessionRowsToOffer. `samples` are the paths of sources; at most as many are taken as there are
+// commands for them.
+std::vector<StartRow> StartRows(const Settings& settings, std::wstring_view ownSession,
+                                const std::vector<std::wstring>& samples);

@@ -67,10 +67,10 @@ void ShowOpenedFile(const OpenedFile& file) {
 void OfferSessionRestore() {
     wchar_t path[kPathCapacity] = {};
     if (!SessionIsOurs()) return;  // another copy has it open
+    SessionCheckAutoSave();
     // The user who switched restoring off and names files wants these and no question.
     if (TabCount() > 0 && g_app.settings.restoreLastSession == 0) return;
     SessionAutoSavePath(path, kPathCapacity);
-    SessionCheckAutoSave();
     if (!FileExists(path) || SessionHasFiles(path) == 0) return;
     const Answer answer = AskUser({.caption = Text(L"Restore Session"),
                                    .text = Text(L"A previous session was auto-saved. Would you like to restore it?"),

@@ -5,6 +5,7 @@
 #include "base/path.h"
 #include "files/file_io.h"
 #include "files/recovery.h"
+#include "files/share_probe.h"
 #include "files/user_folder.h"
 #include "recovery/leftover_rules.h"
 #include "recovery/run_folder.h"
@@ -139,6 +140,31 @@ bool AreEqual(const Leftover& a, const Leftover& b) {
            first == second;
 }
 
+// Whether its file holds the text, so that nobody wants it any more.
+bool IsInItsFile(const Leftover& leftover) {
+    const wchar_t* const path = leftover.note.path.c_str();
+    WIN32_FILE_ATTRIBUTE_DATA file = {};
+    if (path[0] == L'\0' || leftover.size > kMostCompared || !PathAnswers(path) ||
+        GetFileAttributesExW(PathForSystem(path).c_str(), GetFileExInfoStandard, &file) == FALSE ||
+        file.nFileSizeHigh != 0 || file.nFileSizeLow > kMostCompared)
+        return false;
+    std::size_t length = 0;
+    DiskForm form;
+    const HeapBlock<char> onDisk{ReadSourceFileForEditor(path, &length, nullptr, nullptr, &form)};
+    std::string kept;
+    return onDisk && !form.inexact && LeftoverRead(leftover, &kept) && kept == std::string_view{onDisk.get(), length};
+}
+
+void DropSaved(std::vector<Leftover>& left) {
+    std::erase_if(
+        left,
+        [](const Leftover& one) {
+            const bool saved = IsInItsFile(one);
+            if (saved) LeftoverDelete(one);
+            return saved;
+        });
+}
+
 // Of the texts of one file those stay that say something of their own. The files of the others go with the one that stands
 // for them. Newest first.
 void DropRepeated(std::vector<Leftover>& left) {
@@ -172,6 +198,7 @@ std::vector<Leftover> LeftoversFind() {
         return order != 0 ? order > 0 : a.asWritten && !b.asWritten;
     });
     DropRepeated(left);
+    DropSaved(left);
     return left;
 }
 

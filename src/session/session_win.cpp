@@ -15,6 +15,7 @@
 #include "editor/caret_place.h"
 #include "editor/margins.h"
 #include "files/file_io.h"
+#include "files/keep_aside.h"
 #include "files/session_file.h"
 #include "project/project_tree.h"
 #include "scintilla/sci.h"
@@ -289,12 +290,33 @@ int SessionAutoSave(HWND) {
     return 0;
 }
 
+// Keeps what is no session before this run writes its own over it.
+static void KeepForeignSession(const wchar_t* path) {
+    const std::wstring aside = KeepAside(path);
+    g_session.autoSaveLost = aside.empty();
+    AppLogMsg(L"FAIL: the file of the session holds none: %s, kept as %s", path, aside.c_str());
+    g_events.noticeWanted(
+        aside.empty()
+            ? TextWith(L"The file of the last run's session is damaged:\n\n{1}\n\nNo copy of it could be made, "
+                       L"so it is not overwritten in this run.",
+                       {path})
+                  .c_str()
+            : TextWith(L"The file of the last run's session is damaged:\n\n{1}\n\nIt will be written anew. "
+                       L"What it held is kept in:\n\n{2}",
+                       {path, aside})
+                  .c_str());
+}
+
 void SessionCheckAutoSave() {
     constexpr int kTries = 8;
     constexpr DWORD kPause = 50;  // ms; a virus scanner or a backup keeps a file for a moment
     wchar_t path[kPathCapacity] = {};
     SessionAutoSavePath(path, kPathCapacity);
-    for (int attempt = 1; FileExists(path) && !ReadSession(path); ++attempt) {
+    for (int attempt = 1; FileExists(path); ++attempt) {
+        if (const std::optional<std::string> text = ReadSession(path)) {
+            if (!text->empty() && !SessionHasHeader(*text)) KeepForeignSession(path);
+            return;
+        }
         if (attempt < kTries) {
             Sleep(kPause);
             continue;

@@ -10,6 +10,7 @@
 #include "base/wide_format.h"
 #include "files/file_io.h"
 #include "files/file_turn.h"
+#include "files/keep_aside.h"
 #include "files/session_file.h"
 #include "files/share_probe.h"
 #include "settings/compilers.h"
@@ -24,6 +25,7 @@
 #include "settings/settings_state.h"
 
 #include <algorithm>
+#include <cwchar>
 #include <memory>
 #include <optional>
 #include <string>
@@ -218,6 +220,34 @@ bool FailWith(DWORD error) {
 
 bool IsDefaultFile(const wchar_t* overridePath) { return overridePath == nullptr || !PathIsAbsolute(overridePath); }
 
+// Whether a file that is not empty has no section of the settings.
+bool IsForeignIni(const wchar_t* ini) {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (GetFileAttributesExW(ini, GetFileExInfoStandard, &data) == FALSE || data.nFileSizeLow + data.nFileSizeHigh == 0)
+        return false;
+    constexpr DWORD kLongest = 1U << 16U;  // characters
+    std::wstring names(kLongest, L'\0');
+    names.resize(GetPrivateProfileSectionNamesW(names.data(), kLongest, ini));
+    for (std::size_t at = 0; at < names.size(); at += std::wcslen(names.c_str() + at) + 1)
+        if (std::ranges::any_of(SettingRows(), [&](const SettingRow& row) {
+                return PathEqualsIgnoreCase(row.section, names.c_str() + at);
+            }))
+            return false;
+    return true;
+}
+
+// The next save would write over what may be the user's. False when no copy of it can be made.
+bool KeepForeignIni(const wchar_t* ini) {
+    const std::wstring aside = KeepAside(ini);
+    AppLogMsg(L"FAIL: SettingsLoad found no settings in %s, kept as %s", ini, aside.c_str());
+    if (aside.empty()) return false;
+    g_events.noticeWanted(TextWith(L"The settings file holds no settings:\n\n{1}\n\nThe editor runs with its default "
+                                   L"settings and will write the file anew. What it held is kept in:\n\n{2}",
+                                   {ini, aside})
+                              .c_str());
+    return true;
+}
+
 void TellUnreadable(const wchar_t* ini) {
     AppLogMsg(L"FAIL: SettingsLoad cannot read %s, nothing is written to it in this run", ini);
     g_events.noticeWanted(
@@ -270,7 +300,9 @@ void SettingsLoad(const wchar_t* overridePath) {
     GetIniPath(overridePath, ini, kPathCapacity);
     AppLogMsg(L"SettingsLoad: INI = %s", ini);
     DeleteStaleFiles(ini);
-    const OpenIni open = OpenIniFile(ini);
+    OpenIni open = OpenIniFile(ini);
+    if (open.state == IniState::Readable && IsForeignIni(ini) && !KeepForeignIni(ini))
+        open.state = IniState::Unreadable;
     g_store.unread = open.state == IniState::Unreadable ? ini : L"";
     if (open.state == IniState::Unreadable) TellUnreadable(ini);
     // The reader of a file that cannot be read gets no path: all defaults are better than a part of the settings.

@@ -17,8 +17,8 @@ struct UiFonts {
 };
 constexpr int kStockFontPoints = 8;  // its height may be that of another DPI
 constexpr wchar_t kFixedFace[] = L"Consolas";
-std::map<int, UiFonts> g_fonts;      // by the DPI
-std::map<int, UiFonts> g_oldFonts;   // windows may still use them
+std::map<int, UiFonts> g_fonts;     // by the DPI
+std::map<int, UiFonts> g_oldFonts;  // windows may still use them
 
 HFONT MakeBoldFont() {
     LOGFONTW description = {};

@@ -9,6 +9,7 @@
 #include "app/startup_rules.h"
 #include "app/window_place.h"
 #include "editor/margins.h"
+#include "resources/ids.h"
 #include "support/golden_file.h"
 
 #include <gtest/gtest.h>
@@ -518,10 +519,14 @@ TEST(StartPage, ListsFilesWithDigitsThenSessionsAndSamples) {
     static Settings settings = {};
     settings.mruCount = 12;  // more than there are
     for (auto& file : settings.mruFiles) SafeCopyW(file, L"C:\\work\\a.bas");
-    settings.sessionMruCount = 1;
-    SafeCopyW(settings.sessionMruFiles[0], L"x.kvxsess");
-    const std::vector<StartRow> rows = StartRows(settings, std::vector<std::wstring>(11, L"\\\\s\\t\\b.bas"));
-    ASSERT_EQ(rows.size(), 21U);
+    settings.sessionMruCount = 3;
+    SafeCopyW(settings.sessionMruFiles[0], L"D:\\old\\editor.INI_autosave.kvxsess");
+    SafeCopyW(settings.sessionMruFiles[1], L"x.kvxsess");
+    SafeCopyW(settings.sessionMruFiles[2], L"C:\\p\\Editor.ini_autosave.kvxsess");
+    const std::vector<StartRow> rows =
+        StartRows(settings, L"C:\\p\\Editor.ini_autosave.kvxsess", std::vector<std::wstring>(11, L"\\\\s\\t\\b.bas"));
+    ASSERT_EQ(rows.size(), 21U) << "the editor's own session is not offered, wherever it is";
+    EXPECT_EQ(rows[10].command, IDM_RECENT_SESSION_FIRST + 1) << "its row stays where it is";
     EXPECT_TRUE(rows[0].key == L'1' && rows[8].key == L'9' && rows[9].key == L'0' && rows[10].key == 0);
     EXPECT_TRUE(rows[0].name == L"a.bas" && rows[0].folder == L"C:\\work");
     EXPECT_TRUE(rows[10].name == L"x.kvxsess" && rows[10].folder.empty());

@@ -77,6 +77,35 @@ std::wstring Shown(Settings& settings, const SettingRow& row) {
     return text;
 }
 
+// What is no settings file is kept before it is written anew, and told.
+TEST_F(SettingsWin, AFileOfOtherBytesIsKeptAside) {
+    static std::wstring told;
+    g_events.noticeWanted = [](const wchar_t* text) { told += text; };
+    const struct {
+        const char* name;
+        std::string bytes;
+        const wchar_t* kept;  // where; empty: it is a settings file, or nothing
+    } cases[] = {{"nothing", "", L""},
+                 {"settings", "[Editor]\r\nTabWidth=3\r\n", L""},
+                 {"zeros", std::string(3000, '\0'), L".bad"},
+                 {"text", "; a list\r\nmilk\r\n", L".bad2"},
+                 {"zeros again", std::string(3000, '\0'), L".bad"},
+                 {"of another program", "[Fonts]\r\nName=x\r\n", L".bad3"}};
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        told.clear();
+        WriteBytes(ini_, test.bytes);
+        WritePrivateProfileStringW(nullptr, nullptr, nullptr, ini_.c_str());
+        Load();
+        const std::wstring aside = ini_ + test.kept;
+        EXPECT_EQ(told.find(aside) != std::wstring::npos, test.kept[0] != L'\0');
+        EXPECT_EQ(told.empty(), test.kept[0] == L'\0');
+        EXPECT_EQ(ReadBytes(aside), test.bytes);
+    }
+    EXPECT_EQ(FilesBeside(), 4) << "the same bytes are kept once";
+    g_events.noticeWanted = {};
+}
+
 TEST_F(SettingsWin, EverySettingComesBackAsItWas) {
     Settings& settings = g_app.settings;
     std::size_t number = 0;

@@ -59,13 +59,14 @@ TEST(HostileFiles, SessionsLeaveAWorkingEditor) {
     struct Case {
         const char* name;
         std::string bytes;
-        int tabs;  // of files; -1: any number
+        int tabs;           // of files; -1: any number
+        bool kept = false;  // before it is written over, because it is no session
     };
     const Case cases[] = {
         {"empty", "", 0},
-        {"noise", Noise(5000), 0},
-        {"zeros", std::string(100000, '\0'), 0},
-        {"foreign", R"({"tabs": [{"path": "a.bas"}], "Version": 1})", 0},
+        {"noise", Noise(5000), 0, true},
+        {"zeros", std::string(100000, '\0'), 0, true},
+        {"foreign", R"({"tabs": [{"path": "a.bas"}], "Version": 1})", 0, true},
         {"absurd numbers", SessionOf("ActiveTab=-5\r\nTabCount=999999999\r\nTreeWidth=99999999999\r\n", good + absurd),
          1},
         {"cut", SessionOf("ActiveTab=0\r\nTabCount=1\r\n", good + "Curs"), 1},
@@ -82,6 +83,15 @@ TEST(HostileFiles, SessionsLeaveAWorkingEditor) {
         Editor editor(folder, L"", Until::Started);
         const std::wstring asked = AnswerStart(editor);
         SCOPED_TRACE(Utf8(asked));
+        const std::wstring aside = folder.File(kSessionFile) + L".bad";
+        if (test.kept) {
+            const Dialog told = editor.AwaitDialog(kProgramTitle);
+            EXPECT_NE(told.text.find(L"session is damaged"), std::wstring::npos) << Utf8(told.text);
+            EXPECT_NE(told.text.find(aside), std::wstring::npos) << Utf8(told.text);
+            editor.Press(told, IDOK);
+        }
+        EXPECT_EQ(ReadBytes(aside), test.kept ? std::optional(test.bytes) : std::nullopt);
+        DeleteFileW(aside.c_str());
         int files = 0;
         std::wstring labels;
         for (int tab = 0; tab < editor.Tabs(); ++tab) {
@@ -107,6 +117,8 @@ TEST(HostileFiles, RecoveryFilesLeaveAWorkingEditor) {
     folder.Write(run + L"empty [2].bas", "");
     folder.Write(run + L"empty [2].bas.note", "");
     folder.Write(run + L"alone [3].bas", "no note");
+    folder.Write(run + L"saved [6].bas", "a\n");  // what the file holds
+    folder.Write(run + L"saved [6].bas.note", "[Unsaved text of KVX-Editor]\r\nPath=" + source + "\r\n");
     folder.Write(run + L"gone [4].bas.note", "path=" + source + "\r\n");
     folder.Write(run + L"folder [5].bas\\x", "a folder with the name of a text");
     folder.Write(L"local\\KVX-Editor\\Recovery\\b [1-fffffff0-1].bas", "b");
@@ -115,7 +127,8 @@ TEST(HostileFiles, RecoveryFilesLeaveAWorkingEditor) {
     Editor editor(folder);
     editor.Press(editor.AwaitDialog(kRecovered), IDC_RECOVERY_RESTORE);
     ASSERT_TRUE(WaitFor([&] { return editor.Tabs() >= 4; }));  // the texts that can be read
-    ASSERT_TRUE(WaitFor([&] { return editor.Status().find(L"4 texts were brought back") == 0; })) << editor.Describe();
+    ASSERT_TRUE(WaitFor([&] { return editor.Status().find(L"4 texts were brought back") == 0; }))
+        << Utf8(editor.Status()) << editor.Describe();
     for (int tab = 0; tab < editor.Tabs(); ++tab) EXPECT_NE(editor.TabLabel(tab), L"");
     ExpectToWork(editor);
     Kill(editor);
