@@ -5,7 +5,10 @@
 
 #include <cJSON.h>
 
+#include <charconv>
+#include <cstring>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -53,6 +56,39 @@ bool FillChatRequest(cJSON* request, const char* model, const char* systemPrompt
            (!stream || cJSON_AddTrueToObject(request, "stream") != nullptr);
 }
 
+// The code unit of the "\\uXXXX" at `at`; nothing when there is none.
+std::optional<unsigned> EscapedUnit(std::string_view json, std::size_t at) {
+    unsigned unit = 0;
+    if (at + 6 > json.size() || json[at] != '\\' || json[at + 1] != 'u') return std::nullopt;
+    const char* const end = json.data() + at + 6;
+    return std::from_chars(json.data() + at + 2, end, unit, 16).ptr == end ? std::optional{unit} : std::nullopt;
+}
+
+// Halves of surrogate pairs become U+FFFD: a server cuts a reply into pieces between the two, and cJSON takes no half.
+std::string WithoutHalfPairs(std::string_view json) {
+    std::string out;
+    const auto isHalf = [](std::optional<unsigned> unit, unsigned first) {
+        return unit && *unit >= first && *unit < first + 0x400;
+    };
+    for (std::size_t at = 0; at < json.size();) {
+        const std::optional<unsigned> unit = EscapedUnit(json, at);
+        const bool pair = isHalf(unit, 0xD800) && isHalf(EscapedUnit(json, at + 6), 0xDC00);
+        const std::size_t length = pair ? 12 : unit ? 6 : json[at] == '\\' ? 2 : 1;
+        const bool half = !pair && (isHalf(unit, 0xD800) || isHalf(unit, 0xDC00));
+        out.append(half ? std::string_view{"\\ufffd"} : json.substr(at, length));
+        at += length;
+    }
+    return out;
+}
+
+// Null when the text is missing or no JSON.
+Json ParseReply(const char* text) {
+    if (text == nullptr) return nullptr;
+    Json root(cJSON_Parse(text));
+    if (root == nullptr && std::strstr(text, "\\u") != nullptr) root.reset(cJSON_Parse(WithoutHalfPairs(text).c_str()));
+    return root;
+}
+
 const char* StringOf(const cJSON* item) { return cJSON_IsString(item) != 0 ? item->valuestring : nullptr; }
 
 std::string ErrorTextOf(const cJSON* root) {
@@ -97,7 +133,7 @@ std::span<const ChatTurn> NewestTurns(std::span<const ChatTurn> turns, std::size
 }
 
 char* ChatReplyText(const char* body) {
-    const Json root(body != nullptr ? cJSON_Parse(body) : nullptr);
+    const Json root(ParseReply(body));
     const cJSON* choices = cJSON_GetObjectItemCaseSensitive(root.get(), "choices");
     if (cJSON_IsArray(choices) == 0) return nullptr;
     const cJSON* message = cJSON_GetObjectItemCaseSensitive(cJSON_GetArrayItem(choices, 0), "message");
@@ -106,12 +142,12 @@ char* ChatReplyText(const char* body) {
 }
 
 std::string ChatErrorText(const char* body) {
-    const Json root(body != nullptr ? cJSON_Parse(body) : nullptr);
+    const Json root(ParseReply(body));
     return ErrorTextOf(root.get());
 }
 
 ChatDelta ChatDeltaOf(const char* event) {
-    const Json root(event != nullptr ? cJSON_Parse(event) : nullptr);
+    const Json root(ParseReply(event));
     const cJSON* choices = cJSON_GetObjectItemCaseSensitive(root.get(), "choices");
     const cJSON* choice = cJSON_IsArray(choices) != 0 ? cJSON_GetArrayItem(choices, 0) : nullptr;
     const cJSON* delta = cJSON_GetObjectItemCaseSensitive(choice, "delta");
@@ -124,7 +160,7 @@ ChatDelta ChatDeltaOf(const char* event) {
 }
 
 std::string SpokenText(const char* body) {
-    const Json root(body != nullptr ? cJSON_Parse(body) : nullptr);
+    const Json root(ParseReply(body));
     const char* text = StringOf(cJSON_GetObjectItemCaseSensitive(root.get(), "text"));
     return text != nullptr ? text : "";
 }

@@ -11,6 +11,7 @@
 #include "debugui/debug_run.h"
 #include "documents/document_row.h"
 #include "documents/file_form.h"
+#include "documents/save_rules.h"
 #include "editor/caret_set.h"
 #include "language/lexer_table.h"
 #include "output/output_state.h"
@@ -77,7 +78,7 @@ CommandView CurrentCommandView() {
         view.conditions |= EditorConditions();
         view.columns = CaretsAreColumns(tab.editor);
         view.fileForm = static_cast<int>(FileFormOf(tab));
-        view.lineEnding = static_cast<int>(tab.lineEnding);
+        view.lineEnding = SaveUnifiesBreaks(tab) ? -1 : static_cast<int>(tab.lineEnding);  // none is checked
     }
     if (const HWND target = EditTargetNow(); target != nullptr)
         view.conditions |= EditTargetConditions(target);

@@ -25,5 +25,6 @@ void StatusBarSetProgress(const wchar_t* text);
 // Shows line, column, selection, encoding and line ending of the active document.
 void StatusBarUpdatePosition();
 void StatusBarUpdateCompiler();
+std::wstring StatusBarCutMessage();                  // the message when its end is not seen, otherwise empty
 StatusWidths StatusBarEnds();                        // the right ends of the parts, in pixels of the bar
 void StatusBarSetProject(const std::wstring& name);  // empty: no project is open

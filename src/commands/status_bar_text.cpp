@@ -47,8 +47,8 @@ std::wstring ZoomText(int fontSize, int zoom) {
     return std::to_wstring((std::max(1, size + zoom) * 100 + size / 2) / size) + L" %";
 }
 
-const wchar_t* LineEndingName(int lineEnding) {
-    return kLineEndings[static_cast<std::size_t>(lineEnding) % std::size(kLineEndings)];
+const wchar_t* LineEndingName(int lineEnding, bool mixed) {
+    return mixed ? Text(L"Mixed") : kLineEndings[static_cast<std::size_t>(lineEnding) % std::size(kLineEndings)];
 }
 
 std::vector<std::pair<StatusPart, std::wstring>> StatusSamples() {
@@ -61,6 +61,7 @@ std::vector<std::pair<StatusPart, std::wstring>> StatusSamples() {
     for (const Utf16Order order : {Utf16Order::None, Utf16Order::Little, Utf16Order::Big})
         for (const TextEncoding encoding : {TextEncoding::Utf8, TextEncoding::Ansi})
             samples.emplace_back(kEncoding, EncodingName(encoding, {.utf16 = order}));
+    samples.emplace_back(kLineEnding, LineEndingName(0, true));
     for (const wchar_t* lineEnding : kLineEndings) samples.emplace_back(kLineEnding, lineEnding);
     for (std::uint32_t id = 0; id < kCompilerCount; ++id) samples.emplace_back(kCompiler, CompilerLabel(id, false));
     return samples;

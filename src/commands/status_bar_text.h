@@ -28,7 +28,7 @@ std::wstring TabText(int width, bool insertsTab);
 std::wstring ZoomText(int fontSize, int zoom);
 
 // `lineEnding` as in DocumentTab.
-const wchar_t* LineEndingName(int lineEnding);
+const wchar_t* LineEndingName(int lineEnding, bool mixed);
 
 std::wstring ProjectPartText(std::wstring_view name);  // empty: no project is open
 

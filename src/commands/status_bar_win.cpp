@@ -60,6 +60,8 @@ void ShareStatusWidth() {
         if (StatusFieldIsHidden(g_settings.statusHidden, static_cast<StatusPart>(part)))
             wanted[static_cast<std::size_t>(part)] = 0;
     StatusWidths ends = FitStatusParts(g_sizes.width, wanted);
+    // Without progress its place is the message's: the verdict of a build comes as its progress goes.
+    if (g_texts[kProgress].empty()) ends[kMessage] = ends[kProgress];
     ends.back() = -1;  // SB_SETPARTS: to the right edge
     SendMessageW(g_commands.hStatusBar, SB_SETPARTS, kStatusPartCount, reinterpret_cast<LPARAM>(ends.data()));
     InvalidateRect(g_commands.hStatusBar, nullptr, FALSE);
@@ -107,8 +109,9 @@ void MeasureStatusParts() {
 void SetStatusPart(int part, const std::wstring& text) {
     std::wstring& shown = g_texts[static_cast<std::size_t>(part)];
     if (g_commands.hStatusBar == nullptr || text == shown) return;
+    const bool appears = part == kProgress && shown.empty() != text.empty();
     shown = text;
-    if (WidenForText(static_cast<std::size_t>(part), text)) ShareStatusWidth();
+    if (WidenForText(static_cast<std::size_t>(part), text) || appears) ShareStatusWidth();
     g_takesText = true;
     SendMessageW(g_commands.hStatusBar, SB_SETTEXTW, static_cast<WPARAM>(part | SBT_NOBORDERS),
                  reinterpret_cast<LPARAM>(text.c_str()));
@@ -284,6 +287,12 @@ void StatusBarSetProject(const std::wstring& name) {
     ShareStatusWidth();
 }
 
+std::wstring StatusBarCutMessage() {
+    const std::wstring& text = g_texts[kMessage];
+    const int room = StatusBarEnds()[kMessage] - UiScaled(kBeforeText) - UiScaled(kAfterText);
+    return UiTextWidth(text.c_str(), static_cast<int>(text.size())) > room ? text : std::wstring();
+}
+
 StatusWidths StatusBarEnds() {
     StatusWidths ends = {};
     SendMessageW(g_commands.hStatusBar, SB_GETPARTS, kStatusPartCount, reinterpret_cast<LPARAM>(ends.data()));
@@ -308,5 +317,5 @@ void StatusBarUpdatePosition() {
     SetStatusPart(kPosition, PositionText(line + 1, column + 1));
     SetStatusPart(kSelection, SelectionText(SelectionOf(tab)));
     SetStatusPart(kEncoding, EncodingName(EncodingOfNextSave(tab, EncodingOfNewFiles(g_settings)), tab.form));
-    SetStatusPart(kLineEnding, LineEndingName(static_cast<int>(tab.lineEnding)));
+    SetStatusPart(kLineEnding, LineEndingName(static_cast<int>(tab.lineEnding), SaveUnifiesBreaks(tab)));
 }

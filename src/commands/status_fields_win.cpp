@@ -9,6 +9,7 @@
 #include "commands/toolbar.h"
 #include "debugui/debug_commands.h"
 #include "documents/document_row.h"
+#include "documents/save_rules.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
 #include "ui/control_theme.h"
@@ -29,6 +30,7 @@ struct StatusInput {
     StatusPart last = kPosition;  // where the keyboard was the last time
     HWND tip = nullptr;           // made when the mouse first comes
     int tipPart = -1;
+    std::wstring message;  // that the tip shows whole
 };
 StatusInput g_input;
 
@@ -143,8 +145,16 @@ void OnStatusMouse(HWND bar, LPARAM point) {
 bool FillStatusTip(NMHDR& header) {
     if (g_input.tip == nullptr || header.hwndFrom != g_input.tip || header.code != TTN_GETDISPINFOW) return false;
     const wchar_t* tip = nullptr;
+    if (g_input.tipPart == kMessage) {
+        g_input.message = StatusBarCutMessage();
+        reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = g_input.message.data();
+        return true;
+    }
     if (g_input.tipPart == kProgress)
         tip = StopNow().tip;
+    else if (g_input.tipPart == kLineEnding && IsTabIndex(g_documents.activeTab) &&
+             SaveUnifiesBreaks(TabAt(g_documents.activeTab)))
+        tip = English(L"The line breaks are of several kinds, of which a save makes one. Choose it here.");
     else if (g_input.tipPart >= 0)
         tip = StatusFieldOf(static_cast<StatusPart>(g_input.tipPart)).tip;
     reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = const_cast<wchar_t*>(tip != nullptr ? Text(tip) : L"");

@@ -1,5 +1,7 @@
 #include "documents/file_form.h"
 
+#include <utility>
+
 FileForm FileFormOf(const FileBinding& binding) {
     if (binding.form.utf16 == Utf16Order::Little) return FileForm::Utf16Little;
     if (binding.form.utf16 == Utf16Order::Big) return FileForm::Utf16Big;
@@ -33,7 +35,8 @@ SourceCode SourceCodeOf(FileForm form) {
 EndingChange ChooseLineEnding(FileBinding& binding, LineEnding ending) {
     if (binding.form.keepBreaks) return EndingChange::Refused;
     binding.chosen = true;
-    if (binding.lineEnding == ending) return EndingChange::Same;
+    const bool mixed = std::exchange(binding.form.mixedBreaks, false);
+    if (binding.lineEnding == ending && !mixed) return EndingChange::Same;
     binding.lineEnding = ending;
     return EndingChange::Changed;
 }

@@ -215,6 +215,7 @@ void NoteSaved(int tab, FileBinding binding, const FileState& onDisk) {
     const bool failed = std::exchange(g_save.failed, 0) == document;
     if (failed || TabAt(tab).mustSave || SaveAsksAboutForm(TabAt(tab))) g_events.documentStatus(document, L"");
     binding.form.inexact = false;  // the file now holds what the text says
+    binding.form.mixedBreaks = false;
     static_cast<FileBinding&>(TabAt(tab)) = binding;
     TabAt(tab).modified = false;
     TabAt(tab).mustSave = false;

@@ -13,6 +13,13 @@ std::wstring Cut(std::wstring question) {
     return question;
 }
 
+std::wstring MixedBreaksNotice(const FileBinding& binding) {
+    if (!SaveUnifiesBreaks(binding)) return {};
+    constexpr const wchar_t* kNames[] = {L"CRLF", L"LF", L"CR"};
+    return TextWith(L"{1} has line breaks of several kinds. A save makes all of them {2}.",
+                    {binding.label, kNames[static_cast<std::size_t>(binding.lineEnding)]});
+}
+
 }  // namespace
 
 FileBinding BindingForNewName(const wchar_t* path, const FileBinding& before, TextEncoding newFiles) {
@@ -100,6 +107,8 @@ std::wstring FailedSaveText(const wchar_t* path, const SaveReport& report, const
                                 : TextWith(L"\n\nThe text is kept in:\n{1}", {copy}));
 }
 
+bool SaveUnifiesBreaks(const FileBinding& binding) { return binding.form.mixedBreaks && !binding.form.keepBreaks; }
+
 std::wstring FormNotice(const FileBinding& binding) {
     const std::wstring label = binding.label;
     if (binding.form.inexact)
@@ -111,7 +120,7 @@ std::wstring FormNotice(const FileBinding& binding) {
         return TextWith(L"{1} is UTF-16 text. The first save will ask in which encoding it is written.", {label});
     if (binding.form.keepBreaks)
         return TextWith(L"{1} holds NUL bytes. Its line breaks are saved as they are.", {label});
-    return {};
+    return MixedBreaksNotice(binding);
 }
 
 std::wstring SaveQuestion(const wchar_t* label) { return Cut(TextWith(L"Save changes to {1}?", {label})); }

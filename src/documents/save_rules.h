@@ -37,6 +37,8 @@ bool SaveAsksAboutForm(const FileBinding& binding);
 std::wstring FailedSaveText(const wchar_t* path, const SaveReport& report, const std::wstring& systemText,
                             const std::wstring& copy);
 
+// Whether the file has line breaks of several kinds, of which a save makes one.
+bool SaveUnifiesBreaks(const FileBinding& binding);
 // What the user is told when a file with an unusual form is opened; empty for an ordinary file.
 std::wstring FormNotice(const FileBinding& binding);
 

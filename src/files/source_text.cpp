@@ -1,5 +1,6 @@
 #include "files/source_text.h"
 
+#include "files/break_kinds.h"
 #include "files/utf16.h"
 
 namespace {
@@ -37,5 +38,8 @@ bool DecodeSource(std::string_view bytes, const AnsiDecoder& ansi, SourceText* t
     }
     const std::string_view shown = text->asItIs ? bytes : std::string_view{text->utf8};
     text->form.keepBreaks = HasNul(shown);
+    BreakKinds kinds;
+    kinds.Look(shown);
+    text->form.mixedBreaks = kinds.Mixed();
     return true;
 }

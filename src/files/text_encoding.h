@@ -16,6 +16,7 @@ struct DiskForm {
     bool mark = false;                    // UTF-16 that begins with a byte-order mark
     bool inexact = false;                 // the text does not give back the bytes from which it was decoded
     bool keepBreaks = false;              // holds NUL bytes, so its line breaks are data and stay as they are
+    bool mixedBreaks = false;             // line breaks of several kinds, of which a save makes one
 };
 
 // As what the bytes of a file are read. Guess: as they look; the others whatever they look like.

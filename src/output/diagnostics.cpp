@@ -102,19 +102,28 @@ static int FirstErrorOf(const CompilerErrors& errors, std::int32_t build) {
     return found == errors.items.end() ? -1 : static_cast<int>(found - errors.items.begin());
 }
 
+constexpr const wchar_t* kFirstErrorWithMessage = English(L"First error at {1}: {2}");
+constexpr const wchar_t* kFirstError = English(L"First error at {1}");
+
 std::wstring FirstErrorText(const CompilerErrors& errors, std::int32_t build) {
     const int index = FirstErrorOf(errors, build);
     if (index < 0) return {};
     const CompilerError& error = errors.items[static_cast<std::size_t>(index)];
     const std::wstring place = std::wstring(FileNameOf(error.file)) + L":" + std::to_wstring(error.line);
-    std::wstring text = TextWith(L"First error at {1}: {2}", {place, error.message});
+    std::wstring text = TextWith(kFirstErrorWithMessage, {place, error.message});
     // A message with the shape of a diagnostic would be taken for one more.
     CompilerError again = {};
-    return ParseErrorLine(text, &again) == 0 ? text : TextWith(L"First error at {1}", {place});
+    return ParseErrorLine(text, &again) == 0 ? text : TextWith(kFirstError, {place});
 }
 
 int RecordOfFirstErrorText(const CompilerErrors& errors, std::wstring_view line) {
+    // Asked for each line that the caret comes to: most are told apart by their first words, without looking for errors.
+    const auto beginsLike = [line](const wchar_t* english) {
+        const std::wstring text = Text(english);
+        return line.starts_with(std::wstring_view(text).substr(0, text.find(L'{')));
+    };
+    if (!beginsLike(kFirstErrorWithMessage) && !beginsLike(kFirstError)) return -1;
     for (std::int32_t build = 0; build <= static_cast<std::int32_t>(errors.builds.size()); ++build)
-        if (!line.empty() && line == FirstErrorText(errors, build)) return FirstErrorOf(errors, build);
+        if (line == FirstErrorText(errors, build)) return FirstErrorOf(errors, build);
     return -1;
 }

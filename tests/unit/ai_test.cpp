@@ -81,6 +81,11 @@ TEST(AiProtocol, RepliesOfEveryShape) {
         {R"({"error":{"message":"no key","type":"x"}})", "(none)", "no key"},
         {R"({"error":"plain"})", "(none)", "plain"},
         {R"({"error":[1]})", "(none)", ""},
+        {R"({"choices":[{"message":{"content":"a\ud800b\udc00\ud83d\ude00\\ud800\ud83d"}}]})",
+         "a\xEF\xBF\xBD"
+         "b\xEF\xBF\xBD\xF0\x9F\x98\x80\\ud800\xEF\xBF\xBD",
+         ""},
+        {R"({"choices":[{"message":{"content":"\ud8"}}]})", "(none)", ""},
         {"null", "(none)", ""},
         {"{\"choices\":[{\"mess", "(none)", ""},
         {"", "(none)", ""},

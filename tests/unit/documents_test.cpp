@@ -240,7 +240,12 @@ TEST(FileForms, AreKeptOnceTheUserHasChosenThem) {
     EXPECT_EQ(ChooseLineEnding(file, LineEnding::Lf), EndingChange::Changed);
     EXPECT_EQ(ChooseLineEnding(file, LineEnding::Lf), EndingChange::Same);
     EXPECT_EQ(BindingForNewName(L"C:\\new.bas", file, TextEncoding::Ansi).lineEnding, LineEnding::Lf);
-    file.form.keepBreaks = true;
+    file.form.mixedBreaks = true;
+    EXPECT_NE(FormNotice(file).find(L"makes all of them LF"), std::wstring::npos);
+    EXPECT_EQ(ChooseLineEnding(file, LineEnding::Lf), EndingChange::Changed) << "the others become LF";
+    EXPECT_FALSE(SaveUnifiesBreaks(file));
+    file.form.mixedBreaks = file.form.keepBreaks = true;
+    EXPECT_FALSE(SaveUnifiesBreaks(file)) << "the breaks of a file with NUL bytes stay";
     EXPECT_EQ(ChooseLineEnding(file, LineEnding::Cr), EndingChange::Refused);
     EXPECT_EQ(file.lineEnding, LineEnding::Lf);
 }
@@ -360,6 +365,8 @@ TEST(TextPieces, TellsWhatIsNoUtf8) {
     EXPECT_TRUE(wide.text == "x" && wide.result.form.mark && wide.result.form.utf16 == Utf16Order::Big);
     EXPECT_EQ(MoveInPieces("", 100).result.end, PiecesEnd::Done);
     EXPECT_EQ(MoveInPieces("ends in CR\r", 100).result.lineEnding, LineEnding::Cr);
+    EXPECT_FALSE(MoveInPieces("a\r\nb\r\n", 2).result.form.mixedBreaks);
+    EXPECT_TRUE(MoveInPieces("a\r\nb\r\nc\n", 2).result.form.mixedBreaks);
     PiecesResult failed =
         MoveTextPieces({.read = [](char*, std::size_t) { return std::optional<std::size_t>{}; }}, PieceCode::Utf8, {});
     EXPECT_EQ(failed.end, PiecesEnd::Failed);

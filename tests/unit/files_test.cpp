@@ -2,6 +2,7 @@
 #include "base/bounded_text.h"
 #include "base/path.h"
 #include "base/utf8.h"
+#include "files/break_kinds.h"
 #include "files/recovery.h"
 #include "files/safe_save.h"
 #include "files/save_errors.h"
@@ -260,6 +261,34 @@ TEST(Files, FirstLineBreakDecides) {
                 << test.bytes << " after " << before;
         }
     }
+}
+
+TEST(Files, BreaksOfSeveralKindsAreNoticedInPieces) {
+    const struct {
+        std::string_view text;
+        bool mixed;
+    } cases[] = {{"", false},        {"a\r\nb\r\n", false}, {"\n\n", false},    {"a\rb\r", false},
+                 {"\r\r\n", true},   {"\n\r", true},        {"a\r\nb\n", true}, {"a\r\nb\rc", true},
+                 {"a\nb\r\n", true}, {"a\nb\rc", true},     {"\r\nb\r", true}};
+    for (const auto& test : cases) {
+        for (const std::size_t before : {0, 1, 4094, 4095, 4096, 9000}) {
+            const std::string text = std::string(before, 'x') + std::string(test.text);
+            for (std::size_t cut = before; cut <= text.size(); ++cut) {
+                BreakKinds kinds;
+                kinds.Look(std::string_view(text).substr(0, cut));
+                kinds.Look(std::string_view(text).substr(cut));
+                EXPECT_EQ(kinds.Mixed(), test.mixed) << test.text << " after " << before << ", cut at " << cut;
+            }
+        }
+    }
+    // Blocks of one kind, with the other one at the end of all.
+    std::string lines;
+    while (lines.size() < 3 * 4096 + 5) lines += "line\r\n";
+    BreakKinds one, two;
+    one.Look(lines);
+    two.Look(lines + std::string(5000, 'x') + "\n" + lines);
+    EXPECT_FALSE(one.Mixed());
+    EXPECT_TRUE(two.Mixed());
 }
 
 TEST(Files, EveryBreakBecomesTheOneAskedFor) {
