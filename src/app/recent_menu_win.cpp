@@ -5,6 +5,7 @@
 #include "app/main_window.h"
 #include "app/recent_text.h"
 #include "app/start_page.h"
+#include "base/path.h"
 #include "base/texts.h"
 #include "base/wide_format.h"
 #include "commands/status_bar.h"
@@ -111,7 +112,7 @@ void OpenSession(const std::wstring& path) {
     EnsureEditableStartupTab();  // all its files may be away
     SafeCopyW(g_app.sessionPath, path);
     FocusCurrentEditor();
-    StatusBarSetText(Text(L"Session opened"));
+    StatusBarSetText(TextWith(L"Session opened: {1}", {FileNameOf(path)}).c_str());
 }
 
 void SaveSession(const std::wstring& path) {
@@ -122,7 +123,7 @@ void SaveSession(const std::wstring& path) {
     SafeCopyW(g_app.sessionPath, path);
     SessionMRUAdd(path.c_str());
     SettingsSave(nullptr);
-    StatusBarSetText(Text(L"Session saved"));
+    StatusBarSetText(TextWith(L"Session saved: {1}", {FileNameOf(path)}).c_str());
 }
 
 // Empty when the user cancelled.

@@ -66,6 +66,26 @@ bool HavePictures() {
     return true;
 }
 
+// The pop-up menu with the command, and those that lead to it, get their states as when the user opens them.
+bool OpenMenuWith(HMENU menu, int command) {
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+        if (GetMenuItemID(menu, i) == static_cast<UINT>(command)) return true;
+        const HMENU popup = GetSubMenu(menu, i);
+        if (popup == nullptr) continue;
+        Ask(Frame(), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(popup), i);
+        if (OpenMenuWith(popup, command)) return true;
+    }
+    return false;
+}
+
+bool ItemIs(int command, bool enabled, bool checked = false) {
+    const HMENU bar = GetMenu(Frame());
+    const UINT state = OpenMenuWith(bar, command) ? GetMenuState(bar, static_cast<UINT>(command), MF_BYCOMMAND) : ~0U;
+    const bool is = state != ~0U && ((state & MF_GRAYED) == 0) == enabled && ((state & MF_CHECKED) != 0) == checked;
+    if (!is) CheckSays("command " + std::to_string(command));
+    return is;
+}
+
 std::wstring CompilerButtonText() {
     wchar_t text[256] = {};
     const HWND bar = Pane(IDC_TOOLBAR);
@@ -124,11 +144,29 @@ void CheckPanes() {
         const bool before = visible();
         Check(std::string("the ") + row.name + " pane is shown and hidden", [&] {
             Command(row.command);
-            if (!Await([&] { return visible() != before; })) return false;
+            if (!Await([&] { return visible() != before; }) || !ItemIs(row.command, true, !before)) return false;
             Command(row.command);
-            return Await([&] { return visible() == before; });
+            return Await([&] { return visible() == before; }) && ItemIs(row.command, true, before);
         });
     }
+    Check(
+        "menu items follow the text, the selection and the program",
+        [] {
+            if (!ItemIs(IDM_EDIT_UNDO, false) || !ItemIs(IDM_EDIT_CUT, false) || !ItemIs(IDM_DEBUG_STEP_OVER, false))
+                return false;
+            TypeText("x");
+            if (!ItemIs(IDM_EDIT_UNDO, true) || !ItemIs(IDM_EDIT_REDO, false)) return false;
+            Command(IDM_EDIT_SELECT_ALL);
+            if (!ItemIs(IDM_EDIT_CUT, true)) return false;
+            Command(IDM_EDIT_UNDO);
+            return ItemIs(IDM_EDIT_UNDO, false) && ItemIs(IDM_EDIT_REDO, true);
+        });
+    Check("menu items follow the last closed document", [] {
+        if (!ItemIs(IDM_FILE_SAVE_AS, true)) return false;
+        Command(IDM_FILE_CLOSE);
+        return Await([] { return TabCountNow() == 0; }) && ItemIs(IDM_FILE_SAVE_AS, false) &&
+               ItemIs(IDM_EDIT_SELECT_ALL, false) && ItemIs(IDM_FILE_NEW, true);
+    });
 }
 
 void CheckFiles() {

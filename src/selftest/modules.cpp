@@ -10,7 +10,7 @@ constexpr SelfTestModule kModules[] = {
     {"editor-all", L"--selftest-editor-all",
      "typing, undo, saving, colours, close, a KVXB64 build, debug commands without a program", "hello.bas long.bas"},
     {"toolbar", L"--selftest-toolbar", "buttons, their order and pictures, the compiler's name", "hello.bas"},
-    {"panes", L"", "each pane shown and hidden", "hello.bas"},
+    {"panes", L"", "each pane shown and hidden, the states of menu items", "hello.bas"},
     {"files", L"", "files with and without a mark, with CR LF and LF, saved in the form they had",
      "utf8.bas marked.bas lines.bas ansi.bas"},
     {"compilers", L"--selftest-compilers", "a build with each compiler that is installed", ""},

@@ -355,7 +355,8 @@ TEST(Workspace, LeavesFilesOfOthersAlone) {
         EXPECT_TRUE(editor.Status(kPartCompiler).starts_with(L"KVXB64"));
         editor.Post(IDM_SESSION_SAVE_AS);
         editor.AnswerFileDialog(folder.File(L"kept.kvxsess"));
-        EXPECT_TRUE(WaitFor([&] { return editor.Status() == L"Session saved"; })) << Utf8(editor.Status());
+        EXPECT_TRUE(WaitFor([&] { return editor.Status() == L"Session saved: kept.kvxsess"; }))
+            << Utf8(editor.Status());
         editor.Do(IDM_FILE_CLOSE);
         editor.Do(IDM_RECENT_SESSION_FIRST);
         EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 2; })) << "the session from the list of recent ones";
