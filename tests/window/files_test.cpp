@@ -74,7 +74,10 @@ TEST(Files, EditingUndoAndSavingKeepEveryByte) {
         EXPECT_FALSE(editor.Modified());
         // The bytes of the file, not of the text in memory: those that it has, and those that the next save writes.
         const auto tells = [&](std::size_t bytes) {
-            return WaitFor([&] { return editor.Status(kPartSelection) == std::to_wstring(bytes) + L" bytes in all"; });
+            return WaitFor([&] {
+                return editor.Status(kPartSelection) ==
+                       std::to_wstring(bytes) + (bytes == 1 ? L" byte in all" : L" bytes in all");
+            });
         };
         EXPECT_TRUE(tells(c.bytes.size())) << Utf8(editor.Status(kPartSelection));
         editor.Sci(SCI_GOTOPOS, 0);
