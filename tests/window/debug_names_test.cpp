@@ -23,32 +23,6 @@ void TypePlace(const Session& session, const std::wstring& name, const std::wstr
     session.Key(session.Field(), VK_RETURN);
 }
 
-// The height of the tip over a word of the line (from 1); 0: there is none.
-LONG TipHeight(const Session& session, int line, std::string_view word) {
-    const Editor& editor = session.editor;
-    const auto start = static_cast<std::size_t>(editor.Sci(SCI_POSITIONFROMLINE, static_cast<WPARAM>(line - 1)));
-    const auto place = static_cast<LPARAM>(editor.Text().find(word, start));
-    const POINT at = {static_cast<LONG>(editor.Sci(SCI_POINTXFROMPOSITION, 0, place)) + 2,
-                      static_cast<LONG>(editor.Sci(SCI_POINTYFROMPOSITION, 0, place)) + 5};
-    editor.Click(editor.Sci(), {at.x, at.y + 200}, MOUSEEVENTF_LEFTDOWN, 0);  // away from what it was over
-    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_CALLTIPACTIVE) == 0; }));
-    editor.Click(editor.Sci(), at, MOUSEEVENTF_LEFTDOWN, 0);
-    LONG height = 0;
-    WaitFor(
-        [&] {
-            for (HWND tip = nullptr; (tip = FindWindowExW(nullptr, tip, L"CallTip", nullptr)) != nullptr;) {
-                DWORD process = 0;
-                GetWindowThreadProcessId(tip, &process);
-                RECT area = {};
-                if (process == editor.pid && IsWindowVisible(tip) != FALSE && GetWindowRect(tip, &area) != FALSE)
-                    height = area.bottom - area.top;
-            }
-            return height > 0;
-        },
-        3000);
-    return height;
-}
-
 void SetCondition(const Session& session, const std::wstring& condition) {
     session.Select(kBreakpoints);
     ASSERT_TRUE(session.Await(L"twice.bas:3"));
@@ -76,14 +50,12 @@ TEST(DebugNames, OfAProcedureAreWorthTheirValuesUntilTheyAreRemoved) {
         ASSERT_TRUE(session.Await(L"n|LONG|?|")) << Utf8(session.All());
         EXPECT_TRUE(session.Await(L"result|LONG|?|"));
 
-        const LONG declared = TipHeight(session, 3, "n + n");
         TypePlace(session, L"n", L"RBQ+16");
         EXPECT_TRUE(WaitFor([&] { return session.editor.Status().find(L"no register: RBQ") != std::wstring::npos; }))
             << Utf8(session.editor.Status());
         ASSERT_NE(session.Field(), nullptr) << "what was refused can be mended";
         session.Enter(each.wide);
         EXPECT_TRUE(session.Await(std::wstring(L"n|LONG|") + each.wide + L"|1 (0x00000001)")) << Utf8(session.All());
-        EXPECT_GT(TipHeight(session, 3, "n + n"), declared) << "the value stands above the declaration";
 
         SetCondition(session, L"n >= 7 AND n <> 8");
         session.editor.Do(IDM_DEBUG_CONTINUE);
