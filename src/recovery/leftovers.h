@@ -20,8 +20,9 @@ struct Leftover {
     std::uint64_t size = 0;  // bytes
 };
 
-// Newest first, without the texts that their files hold by now, which are deleted. The folders of runs that have ended belong to this process from the first call on. A call that finds
-// nothing makes no folder and costs two looks into a folder.
+// Newest first, without the texts that their files hold by now, which are deleted. The folders of runs that have ended
+// belong to this process from the first call on. A call that finds nothing makes no folder and costs two looks into a
+// folder.
 std::vector<Leftover> LeftoversFind();
 // The text as UTF-8. False when it cannot be read.
 bool LeftoverRead(const Leftover& leftover, std::string* utf8);  // any thread

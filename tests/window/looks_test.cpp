@@ -67,7 +67,7 @@ TEST(Looks, AScreenReaderHearsANameForEveryControl) {
         editor.Sci(SCI_GRABFOCUS);
         editor.Sci(SCI_GOTOPOS, 5);
         editor.Do(command);
-        ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(editor.Child(id)) != FALSE; })) << where;
+        ASSERT_TRUE(WaitFor([&editor, pane = id] { return IsWindowVisible(editor.Child(pane)) != FALSE; })) << where;
         ExpectNamed(where, editor.Child(id));
         if (id == IDC_QUICK_OPEN) editor.Send(editor.Focus(), WM_KEYDOWN, VK_ESCAPE);
     }
