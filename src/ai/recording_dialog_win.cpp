@@ -154,6 +154,9 @@ void BeginTranscription(HWND dialog, Recording& recording) {
     ShowButton(dialog, nullptr);
 }
 
+// The device has not given its last block yet.
+bool IsStillStopping(const Recording& recording) { return !WorkerWait(recording.recorder.worker, 0); }
+
 void BeginStopping(HWND dialog, Recording& recording) {
     recording.phase = Phase::Stopping;
     recording.stopped = GetTickCount64();
@@ -211,8 +214,7 @@ void OnRecordingTimer(HWND dialog, Recording& recording) {
         case Phase::Opening: LookForInput(dialog, recording); break;
         case Phase::Records: LookAtRecording(dialog, recording); break;
         case Phase::Stopping:
-            if (recording.recorder.feed->state != RecorderState::Records ||
-                GetTickCount64() - recording.stopped > kStoppingMs)
+            if (!IsStillStopping(recording) || GetTickCount64() - recording.stopped > kStoppingMs)
                 BeginTranscription(dialog, recording);
             break;
         default: break;
@@ -241,8 +243,11 @@ void OnButton(HWND dialog, Recording& recording, int button) {
         return;
     }
     if (button != IDOK) return;
-    if (recording.phase == Phase::Records) BeginStopping(dialog, recording);
-    if (recording.phase == Phase::Ended || recording.phase == Phase::Failed) BeginTranscription(dialog, recording);
+    const bool ended = recording.phase == Phase::Ended;
+    if (recording.phase == Phase::Records || (ended && IsStillStopping(recording)))
+        BeginStopping(dialog, recording);
+    else if (ended || recording.phase == Phase::Failed)
+        BeginTranscription(dialog, recording);
 }
 
 void OnRecordingInit(HWND dialog, LPARAM lParam) {

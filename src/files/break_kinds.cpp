@@ -19,9 +19,10 @@ void BreakKinds::Look(std::string_view piece) {
     // Without branches and with a fixed number of turns the compiler makes vectors of the inner loop.
     for (; left >= kBlock && crLf_ + lf_ + cr_ < 2; at += kBlock, left -= kBlock) {
         std::uint8_t crLf = 0, lf = 0, cr = 0;
+        const char* const from = at - 1;
         for (std::size_t i = 0; i < kBlock; ++i) {
-            const auto before = static_cast<std::uint8_t>(at[i - 1] == '\r');
-            const auto here = static_cast<std::uint8_t>(at[i] == '\n');
+            const auto before = static_cast<std::uint8_t>(from[i] == '\r');
+            const auto here = static_cast<std::uint8_t>(from[i + 1] == '\n');
             crLf = static_cast<std::uint8_t>(crLf | (before & here));
             lf = static_cast<std::uint8_t>(lf | (here & ~before));
             cr = static_cast<std::uint8_t>(cr | (before & ~here));
