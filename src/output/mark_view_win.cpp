@@ -332,11 +332,12 @@ void SourceMarksOnView(DocumentId document) {
 }
 
 void SourceMarksOnCaret(DocumentId document) {
-    const DocumentTab* tab = Files().empty() ? nullptr : DocumentOf(document);
+    const DocumentTab* tab = DocumentOf(document);
     if (tab == nullptr) return;
     const LRESULT caret = Ask(tab->editor, SCI_GETCURRENTPOS);
     const LRESULT line = Ask(tab->editor, SCI_LINEFROMPOSITION, caret);
-    // What else the status bar tells, as the result of a build, stays until the caret comes to another line.
+    // What else the status bar tells, as the result of a build, stays until the caret comes to another line. The line is
+    // noted while there are no marks, too: else the first notice after a build would look like a move to its line.
     const bool moved = g_view.caretIn != document || g_view.caretLine != line;
     if (g_view.caretIn != document) {  // the status bar forgets what is about another document
         g_view.told = 0;
@@ -344,7 +345,8 @@ void SourceMarksOnCaret(DocumentId document) {
     }
     g_view.caretIn = document;
     g_view.caretLine = line;
-    if (moved || g_view.told == document) TellInStatus(document, MarkTexts(MarksAt(*tab, caret, true), L"  |  "));
+    if (!Files().empty() && (moved || g_view.told == document))
+        TellInStatus(document, MarkTexts(MarksAt(*tab, caret, true), L"  |  "));
 }
 
 void SourceMarksOnJump() {
